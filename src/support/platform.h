@@ -1,0 +1,32 @@
+#pragma once
+
+#include <fstream>
+#include <string>
+
+// The operating system calls of the support library. Nothing outside the
+// platform_* files includes a system header; everything else asks here.
+// Paths are UTF-8 in the library and are converted where the system wants
+// another form.
+namespace Velorn
+{
+namespace Platform
+{
+
+// The separator that joined paths get: '\\' on Windows, '/' elsewhere.
+char preferredSeparator();
+// True when c separates directories on this platform.
+bool isSeparator(char c);
+bool isAbsolutePath(const std::string& path);
+
+bool pathExists(const std::string& path);
+bool isDirectory(const std::string& path);
+// Makes one directory; true when it exists afterwards.
+bool makeDirectory(const std::string& path);
+
+// Opens a file stream on a UTF-8 path. Other readers and writers are not
+// locked out.
+void openFileStream(std::ofstream& stream, const std::string& path, std::ios::openmode mode);
+void openFileStream(std::ifstream& stream, const std::string& path, std::ios::openmode mode);
+
+} // namespace Platform
+} // namespace Velorn

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+namespace VelornTest
+{
+
+// The whole content of a file, bytes as they are. Fails the test if the file
+// cannot be read.
+std::string readFile(const std::string& path);
+void writeFile(const std::string& path, const std::string& bytes);
+
+// Path of a file under tests/, independent of the working directory.
+std::string testDataPath(const std::string& relative);
+
+// Compares text with the golden file tests/golden/<name> byte for byte and
+// reports the first line that differs.
+void expectMatchesGolden(const std::string& actual, const std::string& name);
+
+// A fresh directory under the system's temporary directory, removed with its
+// content when the object goes.
+class TempDir
+{
+public:
+	TempDir();
+	~TempDir();
+	TempDir(const TempDir&) = delete;
+	TempDir& operator=(const TempDir&) = delete;
+
+	const std::string& path() const { return dir; }
+	std::string file(const std::string& name) const { return dir + "/" + name; }
+
+private:
+	std::string dir;
+};
+
+} // namespace VelornTest
