@@ -66,6 +66,9 @@ TEST(Containers, StringIsBytesWithoutTerminator)
 	EXPECT_EQ(a.str(), std::string("ab\0c", 4));
 	EXPECT_NE(a, "ab");
 	EXPECT_EQ(String() + "x" + String("y"), "xy");
+	String twice("ab");
+	twice += twice;
+	EXPECT_EQ(twice, "abab");
 	EXPECT_TRUE(String().empty());
 }
 

@@ -34,14 +34,7 @@ public:
 	void reserve(size_t n) { bytes.reserve(n); }
 	void clear() { bytes.clear(); }
 	void push_back(char c) { bytes.push_back(c); }
-	void append(const char* text, size_t n)
-	{
-		if(n == 0)
-			return;
-		const size_t old_len = bytes.size();
-		bytes.resize(old_len + n);
-		std::memcpy(bytes.data() + old_len, text, n);
-	}
+	void append(const char* text, size_t n) { bytes.append(text, n); }
 	void append(const String& other) { append(other.data(), other.size()); }
 
 	String& operator+=(const String& other)

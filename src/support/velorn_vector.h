@@ -118,6 +118,23 @@ public:
 		++len;
 	}
 
+	// Appends copies of the n elements from first on.
+	void append(const T* first, size_t n)
+	{
+		if(n != 0 && first >= e && first < e + len)
+		{
+			// The source lives in this vector and would move with it.
+			Vector copy;
+			copy.append(first, n);
+			append(copy.data(), n);
+			return;
+		}
+		grow(len + n);
+		for(size_t i = 0; i < n; ++i)
+			new(e + len + i) T(first[i]);
+		len += n;
+	}
+
 	void pop_back()
 	{
 		--len;

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "support/exceptions.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+namespace VelornTest
+{
+
+// Runs f and expects a VelornException with exactly this message.
+template <class F>
+void expectVelornError(F&& f, const std::string& message)
+{
+	try
+	{
+		f();
+		ADD_FAILURE() << "expected the failure \"" << message << "\", got none";
+	}
+	catch(const Velorn::VelornException& e)
+	{
+		EXPECT_EQ(e.what(), message);
+	}
+}
+
+// Lays out little-endian words, floats and length-prefixed strings by hand,
+// so that tests state the bytes they expect without help from the code under
+// test.
+class Bytes
+{
+public:
+	Bytes& u32(uint32_t word)
+	{
+		for(int shift = 0; shift < 32; shift += 8)
+			s.push_back((char)((word >> shift) & 0xFF));
+		return *this;
+	}
+	Bytes& f32(float f)
+	{
+		uint32_t bits;
+		std::memcpy(&bits, &f, sizeof(bits));
+		return u32(bits);
+	}
+	Bytes& raw(const std::string& bytes)
+	{
+		s += bytes;
+		return *this;
+	}
+	Bytes& str(const std::string& text) { return u32((uint32_t)text.size()).raw(text); }
+
+	const std::string& bytes() const { return s; }
+
+private:
+	std::string s;
+};
+
+} // namespace VelornTest
