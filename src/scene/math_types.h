@@ -36,4 +36,18 @@ struct Matrix2d
 	bool operator==(const Matrix2d& o) const { return e[0] == o.e[0] && e[1] == o.e[1] && e[2] == o.e[2] && e[3] == o.e[3]; }
 };
 
+// A 3 by 3 matrix, row by row; identity by default.
+struct Matrix3d
+{
+	double e[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+
+	// The rotation by angle (radians) about axis, which need not be of unit
+	// length; a zero axis gives the identity.
+	static Matrix3d axisAngle(const Vec3d& axis, double angle);
+
+	Matrix3d operator*(const Matrix3d& o) const;
+	Matrix3d operator*(double s) const;
+	Vec3d operator*(const Vec3d& v) const;
+};
+
 } // namespace Velorn

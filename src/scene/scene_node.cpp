@@ -1,5 +1,7 @@
 #include "scene/scene_node.h"
 
+#include "scene/scene_node_material.h"
+#include "scene/scene_node_medium.h"
 #include "scene/scene_node_root.h"
 #include "scene/xml_write.h"
 #include "support/exceptions.h"
@@ -121,13 +123,13 @@ SceneNode* findNodeOfType(const SceneNode& parent, UID uid, unsigned type, const
 
 SceneNodeMaterial* SceneNode::findMaterial(UID material_uid) const
 {
-	return reinterpret_cast<SceneNodeMaterial*>(
+	return static_cast<SceneNodeMaterial*>(
 		findNodeOfType(*this, material_uid, SceneNodeType::Material, " was not a material node."));
 }
 
 SceneNodeMedium* SceneNode::findMedium(UID medium_uid) const
 {
-	return reinterpret_cast<SceneNodeMedium*>(
+	return static_cast<SceneNodeMedium*>(
 		findNodeOfType(*this, medium_uid, SceneNodeType::Medium, " was not a medium node."));
 }
 

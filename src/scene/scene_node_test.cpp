@@ -1,3 +1,5 @@
+#include "scene/scene_node_material.h"
+#include "scene/scene_node_medium.h"
 #include "scene/scene_node_metadata.h"
 #include "scene/scene_node_root.h"
 #include "scene/xml_write.h"
@@ -117,16 +119,18 @@ TEST(SceneNode, UIDsAreGivenByTheRoot)
 TEST(SceneNode, LookupsAndRemoval)
 {
 	Reference<SceneNodeRoot> root(new SceneNodeRoot());
-	Reference<TestNode> material = node(3, "mat", 7);
-	Reference<TestNode> medium = node(7, "med", 8);
+	Reference<SceneNodeMaterial> material(new SceneNodeMaterial());
+	material->uid = UID(7);
+	Reference<SceneNodeMedium> medium(new SceneNodeMedium());
+	medium->uid = UID(8);
 	root->addChildNode(material);
 	root->addChildNode(medium);
 
 	EXPECT_EQ(root->findChild(UID(0)), root.getPointer());
 	EXPECT_EQ(root->findChild(UID(7)), material.getPointer());
 	EXPECT_EQ(root->findChild(UID(99)), nullptr);
-	EXPECT_EQ((void*)root->findMaterial(UID(7)), (void*)material.getPointer());
-	EXPECT_EQ((void*)root->findMedium(UID(8)), (void*)medium.getPointer());
+	EXPECT_EQ(root->findMaterial(UID(7)), material.getPointer());
+	EXPECT_EQ(root->findMedium(UID(8)), medium.getPointer());
 	EXPECT_EQ(failureOf([&] { root->findMaterial(UID(9)); }), "Failed to find node with UID 9");
 	EXPECT_EQ(failureOf([&] { root->findMaterial(UID(8)); }), "Node with UID 8 was not a material node.");
 	EXPECT_EQ(failureOf([&] { root->findMedium(UID(7)); }), "Node with UID 7 was not a medium node.");
