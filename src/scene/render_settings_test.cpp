@@ -1,0 +1,269 @@
+#include "scene/scene_node_render_settings.h"
+#include "support/exceptions.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+using namespace Velorn;
+
+namespace
+{
+
+// Runs f and checks that it fails with exactly the given message.
+void expectFailure(const std::function<void()>& f, const std::string& message)
+{
+	try
+	{
+		f();
+		ADD_FAILURE() << "no failure; expected: " << message;
+	}
+	catch(const VelornException& e)
+	{
+		EXPECT_EQ(e.what(), message);
+	}
+}
+
+Reference<SceneNodeRenderSettings> emptySettings() { return Reference<SceneNodeRenderSettings>(new SceneNodeRenderSettings()); }
+
+void expectLayer(const Reference<LayerSetting>& layer, const char* name, double gain = 1)
+{
+	ASSERT_TRUE(layer.nonNull());
+	EXPECT_EQ(layer->name, String(name));
+	EXPECT_EQ(layer->xyz, Vec3d(1, 1, 1));
+	EXPECT_EQ(layer->gain, gain);
+}
+
+} // namespace
+
+TEST(RenderSettings, ValuesAreReadByTheKindTheyHold)
+{
+	Reference<SceneNodeRenderSettings> s = emptySettings();
+	s->setInt("width", 640);
+	s->setBool("metropolis", true);
+	s->setDouble("halt_time", 2.5);
+	EXPECT_EQ(s->getInt("width"), 640);
+	EXPECT_TRUE(s->getBool("metropolis"));
+	EXPECT_EQ(s->getDouble("halt_time"), 2.5);
+
+	// A replacement changes the kind: the key now holds an int.
+	s->setBool("dithering", true);
+	s->setInt("dithering", 3);
+	EXPECT_EQ(s->getInt("dithering"), 3);
+	EXPECT_EQ(s->settings.size(), 4u);
+
+	expectFailure([&] { s->getBool("dithering"); }, "Tried to read setting as a bool that was of different type: 'dithering'");
+	expectFailure([&] { s->getInt("metropolis"); }, "Tried to read setting as an int that was of different type: 'metropolis'");
+	// No conversion, not even from int to double.
+	expectFailure([&] { SceneNodeRenderSettings::getDefaults()->getDouble("width"); },
+		"Tried to read setting as a double that was of different type: 'width'");
+	expectFailure([&] { s->getDouble("missing_key"); }, "Tried to read missing setting 'missing_key'");
+}
+
+TEST(RenderSettings, ValueTextsAndFilterKinds)
+{
+	EXPECT_EQ(IntSetting(-2147483647 - 1).toString(), String("-2147483648"));
+	EXPECT_EQ(DoubleSetting(-0.0).toString(), String("0"));
+	EXPECT_EQ(DoubleSetting(1e-7).clone()->toString(), String("1e-7"));
+	EXPECT_EQ(BoolSetting(false).clone()->type, BaseSetting::Bool);
+
+	const Reference<SplatFilter> splats[] = {
+		new SplatFilterFastBox(), new SplatFilterRadial(), new SplatFilterMNCubic(0, 1), new SplatFilterBox()};
+	for(unsigned i = 0; i < 4; ++i)
+		EXPECT_EQ(splats[i]->clone()->getType(), i);
+	const Reference<DownsizeFilter> downsizes[] = {
+		new DownsizeFilterGaussian(), new DownsizeFilterMNCubic(0, 1, 2), new DownsizeFilterSharp()};
+	for(unsigned i = 0; i < 3; ++i)
+		EXPECT_EQ(downsizes[i]->clone()->getType(), i);
+}
+
+TEST(RenderSettings, LayersAreCountedNamedAndFilledIn)
+{
+	Reference<SceneNodeRenderSettings> s = emptySettings();
+	s->setNumLayers(2);
+	ASSERT_EQ(s->layer_settings.size(), 2u);
+	expectLayer(s->layer_settings[0], "Layer 0");
+	expectLayer(s->layer_settings[1], "Layer 1");
+
+	// Growing keeps the layers there are; shrinking drops the tail.
+	s->layer_settings[1]->gain = 3;
+	s->setNumLayers(3);
+	expectLayer(s->layer_settings[1], "Layer 1", 3);
+	expectLayer(s->layer_settings[2], "Layer 2");
+	s->setNumLayers(1);
+	s->setLayerName(70000, "x");
+	s->setLayerName(65536, "x");
+	ASSERT_EQ(s->layer_settings.size(), 1u);
+
+	// A name past the end grows the list with default layers; renaming
+	// replaces the layer, so its gain starts afresh.
+	s->layer_settings[0]->gain = 2;
+	s->setLayerName(0, "Sun");
+	s->setLayerName(3, "Sky");
+	ASSERT_EQ(s->layer_settings.size(), 4u);
+	expectLayer(s->layer_settings[0], "Sun");
+	expectLayer(s->layer_settings[2], "Layer 2");
+	expectLayer(s->layer_settings[3], "Sky");
+	s->setLayerName(65535, "Last");
+	EXPECT_EQ(s->layer_settings.size(), 65536u);
+
+	Reference<LayerSetting> key(new LayerSetting("Key", Vec3d(0.5, 0.5, 0.5), 2));
+	s->setLayers({nullptr, key, nullptr});
+	ASSERT_EQ(s->layer_settings.size(), 3u);
+	expectLayer(s->layer_settings[0], "Layer 0");
+	EXPECT_EQ(s->layer_settings[1].getPointer(), key.getPointer());
+	expectLayer(s->layer_settings[2], "Layer 2");
+}
+
+TEST(RenderSettings, MergeLetsTheSecondWin)
+{
+	Reference<SceneNodeRenderSettings> a = emptySettings();
+	a->setInt("only_a", 1);
+	a->setBool("both", true);
+	a->setSplatFilter(new SplatFilterRadial());
+	a->setDownsizeFilter(new DownsizeFilterGaussian());
+	a->setWhitePoint(0.25, 0.5);
+	a->setRenderRegion(new RenderRegion(1, 2, 3, 4));
+	a->setGPUDevice(new GPUDeviceSettings("a card", GPUDeviceSettings::CUDA));
+	a->setNumLayers(2);
+	Reference<SceneNodeRenderSettings> b = emptySettings();
+	b->setDouble("both", 1.5);
+	b->setBool("only_b", false);
+
+	Reference<SceneNodeRenderSettings> m = SceneNodeRenderSettings::merge(*a, *b);
+	EXPECT_EQ(m->settings.size(), 3u);
+	EXPECT_EQ(m->getInt("only_a"), 1);
+	EXPECT_EQ(m->getDouble("both"), 1.5);
+	EXPECT_FALSE(m->getBool("only_b"));
+	// b has no structured values: copies of a's are taken.
+	const std::string from_a = m->toXMLString().str();
+	EXPECT_NE(m->white_point.getPointer(), a->white_point.getPointer());
+	EXPECT_NE(m->layer_settings[1].getPointer(), a->layer_settings[1].getPointer());
+	a->setInt("only_a", 100);
+	a->white_point->x = 0.75;
+	a->layer_settings[1]->name = "changed";
+	EXPECT_EQ(m->toXMLString().str(), from_a);
+	EXPECT_EQ(m->splat_filter->getType(), 1u);
+	EXPECT_EQ(m->render_region->y2, 4);
+	EXPECT_EQ(m->gpu_device->device_name, String("a card"));
+
+	// Once b has them, b's win.
+	b->setSplatFilter(new SplatFilterMNCubic(0, 1));
+	b->setDownsizeFilter(new DownsizeFilterSharp());
+	b->setWhitePoint(0.5, 0.125);
+	b->setRenderRegion(new RenderRegion(10, 20, 30, 40));
+	b->setGPUDevice(new GPUDeviceSettings("b card", GPUDeviceSettings::OpenCL));
+	b->setLayerName(0, "Only");
+	m = SceneNodeRenderSettings::merge(*a, *b);
+	EXPECT_EQ(m->splat_filter->getType(), 2u);
+	EXPECT_EQ(m->downsize_filter->getType(), 2u);
+	EXPECT_EQ(m->white_point->y, 0.125);
+	EXPECT_EQ(m->render_region->x1, 10);
+	EXPECT_EQ(m->gpu_device->device_name, String("b card"));
+	ASSERT_EQ(m->layer_settings.size(), 1u);
+	expectLayer(m->layer_settings[0], "Only");
+}
+
+TEST(RenderSettings, KeysOfOneBucketStandInTheOrderTheyWentIn)
+{
+	// "verbose" and "bidirectional" fall in one bucket; a merge follows the
+	// order of its first node.
+	Reference<SceneNodeRenderSettings> a = emptySettings();
+	a->setBool("verbose", true);
+	a->setBool("bidirectional", true);
+	Reference<SceneNodeRenderSettings> b = emptySettings();
+	b->setBool("bidirectional", false);
+	b->setBool("verbose", false);
+
+	const std::string head = "<renderer_settings>\n\t<uid>4294967295</uid>\n\t<name>Render Settings</name>\n";
+	const std::string tail = "</renderer_settings>\n";
+	EXPECT_EQ(a->toXMLString().str(), head + "\t<verbose>true</verbose>\n\t<bidirectional>true</bidirectional>\n" + tail);
+	EXPECT_EQ(b->toXMLString().str(), head + "\t<bidirectional>false</bidirectional>\n\t<verbose>false</verbose>\n" + tail);
+	EXPECT_EQ(SceneNodeRenderSettings::merge(*a, *b)->toXMLString().str(),
+		head + "\t<verbose>false</verbose>\n\t<bidirectional>false</bidirectional>\n" + tail);
+}
+
+TEST(RenderSettings, WhitePointsOfTheStandardIlluminants)
+{
+	// The values are held in single precision.
+	struct Case
+	{
+		const char* name;
+		double x, y;
+	};
+	const Case cases[] = {{"E", 1.0 / 3.0, 1.0 / 3.0}, {"D50", 0.34567, 0.3585}, {"D55", 0.33242, 0.34743},
+		{"D65", 0.31273, 0.32902}, {"D75", 0.29902, 0.31485}, {"A", 0.44757, 0.40745}, {"B", 0.34842, 0.35161},
+		{"C", 0.31006, 0.31616}, {"9300", 0.2848, 0.2932}, {"F2", 0.37207, 0.37512}, {"F7", 0.31285, 0.32918},
+		{"F11", 0.38054, 0.37691}};
+	for(const Case& c : cases)
+	{
+		SCOPED_TRACE(c.name);
+		double x = 0, y = 0;
+		SceneNodeRenderSettings::whitePointForName(c.name, x, y);
+		EXPECT_EQ(x, (double)(float)c.x);
+		EXPECT_EQ(y, (double)(float)c.y);
+	}
+
+	for(const char* name : {"d65", "D65 ", "", "F12"})
+	{
+		SCOPED_TRACE(name);
+		double x = 0, y = 0;
+		expectFailure([&] { SceneNodeRenderSettings::whitePointForName(name, x, y); },
+			std::string("'") + name + "' is not a valid value for white_balance.  (must be one of D50, D55, F2 etc..)");
+	}
+}
+
+TEST(RenderSettings, CloneCopiesEverythingDeeply)
+{
+	Reference<SceneNodeRenderSettings> s = SceneNodeRenderSettings::getDefaults();
+	s->uid = UID(12);
+	s->setName("Final");
+	s->setFlags(2);
+	s->setChangeStamp(9);
+	s->setRenderRegion(new RenderRegion(0, 100, 0, 50));
+	s->setGPUDevice(new GPUDeviceSettings("card", GPUDeviceSettings::CUDA));
+	s->setSplatFilter(new SplatFilterMNCubic(0.5, 0.5));
+	s->setNumLayers(2);
+	const std::string written = s->toXMLString().str();
+
+	Reference<SceneNodeRenderSettings> copy = s->clone().downcast<SceneNodeRenderSettings>();
+	ASSERT_TRUE(copy.nonNull());
+	EXPECT_EQ(copy->getFlags(), 2u);
+	EXPECT_EQ(copy->getChangeStamp(), 9u);
+	EXPECT_EQ(copy->toXMLString().str(), written);
+
+	// Changing the original reaches none of the copy's values.
+	s->setInt("width", 1);
+	s->splat_filter.downcast<SplatFilterMNCubic>()->ring = 0.75;
+	s->downsize_filter.downcast<DownsizeFilterMNCubic>()->radius = 3;
+	s->white_point->x = 0.5;
+	s->render_region->x2 = 7;
+	s->gpu_device->device_name = "other";
+	s->layer_settings[0]->name = "Renamed";
+	EXPECT_EQ(copy->toXMLString().str(), written);
+}
+
+TEST(RenderSettings, WalksOffsetOnlyTheUIDAndEqualityLooksAtBaseFields)
+{
+	Reference<SceneNodeRenderSettings> s = SceneNodeRenderSettings::getDefaults();
+	s->uid = UID(3);
+	VisitOperation offset;
+	offset.type = VisitOperation::OffsetUIDs;
+	offset.uid_offset = 10;
+	s->doVisit(offset);
+	EXPECT_EQ(s->uid, UID(13));
+	Reference<SceneNodeRenderSettings> unnumbered = emptySettings();
+	unnumbered->doVisit(offset);
+	EXPECT_FALSE(unnumbered->uid.valid());
+
+	// Only the base fields count, whatever the settings hold.
+	Reference<SceneNodeRenderSettings> other = emptySettings();
+	other->uid = UID(13);
+	testing::internal::CaptureStdout();
+	EXPECT_TRUE(s->doIsEqual(*other));
+	other->setName("Other");
+	EXPECT_FALSE(s->doIsEqual(*other));
+	EXPECT_EQ(testing::internal::GetCapturedStdout(),
+		"TODO: IMPLEMENT SceneNodeRenderSettings::doIsEqual()TODO: IMPLEMENT SceneNodeRenderSettings::doIsEqual()");
+}
