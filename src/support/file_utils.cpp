@@ -60,6 +60,8 @@ std::string toPlatformSeparators(const std::string& path)
 	return result;
 }
 
+std::string makeAbsolute(const std::string& path) { return join(Platform::currentWorkingDirectory(), path); }
+
 bool fileExists(const std::string& path) { return Platform::pathExists(path); }
 
 void createDirsForPath(const std::string& path)

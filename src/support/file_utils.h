@@ -20,6 +20,9 @@ std::string eatExtension(const std::string& path);
 // Turns every separator into the platform's preferred one.
 std::string toPlatformSeparators(const std::string& path);
 
+// The path joined to the working directory, unless it is absolute already.
+std::string makeAbsolute(const std::string& path);
+
 bool fileExists(const std::string& path);
 // Makes every directory of the path that does not exist yet; the last
 // component counts as a directory too. Throws FileUtilsExcep on failure.

@@ -18,6 +18,9 @@ char preferredSeparator();
 bool isSeparator(char c);
 bool isAbsolutePath(const std::string& path);
 
+// The process's working directory; empty if the system cannot tell.
+std::string currentWorkingDirectory();
+
 bool pathExists(const std::string& path);
 bool isDirectory(const std::string& path);
 // Makes one directory; true when it exists afterwards.

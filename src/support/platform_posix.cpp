@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <unistd.h>
 
 namespace Velorn
 {
@@ -14,6 +15,12 @@ char preferredSeparator() { return '/'; }
 bool isSeparator(char c) { return c == '/'; }
 
 bool isAbsolutePath(const std::string& path) { return !path.empty() && path[0] == '/'; }
+
+std::string currentWorkingDirectory()
+{
+	char buf[4096];
+	return ::getcwd(buf, sizeof(buf)) ? std::string(buf) : std::string();
+}
 
 bool pathExists(const std::string& path)
 {

@@ -1,0 +1,29 @@
+# The two entry points of a fresh Debian machine: `make run` and `make test`.
+# Each installs what is missing, configures and builds first.
+PRESET ?= default
+BUILD_DIR = build/$(PRESET)
+OUT ?= out
+
+.PHONY: deps build run test asan bench clean
+
+deps:
+	scripts/install-deps
+
+build: deps
+	cmake --preset $(PRESET)
+	cmake --build --preset $(PRESET)
+
+run: build
+	$(BUILD_DIR)/src/cli/velorn sample -o $(OUT)
+
+test: build
+	ctest --preset $(PRESET)
+
+asan:
+	$(MAKE) test PRESET=asan
+
+bench: build
+	$(BUILD_DIR)/bench/mesh_bench
+
+clean:
+	rm -rf build $(OUT)
