@@ -213,6 +213,14 @@ void SceneNode::copyBaseFieldsTo(SceneNode& other) const
 
 bool SceneNode::baseFieldsEqual(const SceneNode& other) const { return uid == other.uid && getName() == other.getName(); }
 
+bool SceneNode::equalByBaseFieldsOnly(const SceneNode& other, const char* reminder) const
+{
+	if(!baseFieldsEqual(other))
+		return false;
+	printNotImplemented(reminder);
+	return true;
+}
+
 void SceneNode::markChanged()
 {
 	SceneNodeRoot* root = getRoot();

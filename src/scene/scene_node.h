@@ -105,6 +105,10 @@ public:
 	void copyBaseFieldsTo(SceneNode& other) const;
 	// Same UID and same name: the fields by which two nodes are told apart.
 	bool baseFieldsEqual(const SceneNode& other) const;
+	// The comparison of a class whose full comparison is not written yet:
+	// the base fields alone, and when they are equal the reminder that says
+	// so is printed.
+	bool equalByBaseFieldsOnly(const SceneNode& other, const char* reminder) const;
 
 	void setFlags(uint32_t f) { flags = f; }
 	uint32_t getFlags() const { return flags; }

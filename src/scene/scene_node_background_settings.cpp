@@ -50,10 +50,7 @@ unsigned SceneNodeBackgroundSettings::getHighestEmissionLayer() const
 
 bool SceneNodeBackgroundSettings::doIsEqual(const SceneNode& other) const
 {
-	if(!baseFieldsEqual(other))
-		return false;
-	printNotImplemented("TODO: IMPLEMENT SceneNodeBackgroundSettings::doIsEqual()");
-	return true;
+	return equalByBaseFieldsOnly(other, "TODO: IMPLEMENT SceneNodeBackgroundSettings::doIsEqual()");
 }
 
 } // namespace Velorn

@@ -168,10 +168,7 @@ Vector<UID> SceneNodeMaterial::getDependencyUIDs() const
 
 bool SceneNodeMaterial::doIsEqual(const SceneNode& other) const
 {
-	if(!baseFieldsEqual(other))
-		return false;
-	printNotImplemented("TODO: IMPLEMENT SceneNodeMaterial::doIsEqual()\n");
-	return true;
+	return equalByBaseFieldsOnly(other, "TODO: IMPLEMENT SceneNodeMaterial::doIsEqual()\n");
 }
 
 } // namespace Velorn

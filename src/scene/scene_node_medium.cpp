@@ -45,10 +45,7 @@ void SceneNodeMedium::doVisit(VisitOperation& op)
 
 bool SceneNodeMedium::doIsEqual(const SceneNode& other) const
 {
-	if(!baseFieldsEqual(other))
-		return false;
-	printNotImplemented("TODO: IMPLEMENT SceneNodeMedium::doIsEqual()\n");
-	return true;
+	return equalByBaseFieldsOnly(other, "TODO: IMPLEMENT SceneNodeMedium::doIsEqual()\n");
 }
 
 } // namespace Velorn

@@ -28,6 +28,8 @@ Reference<SceneNode> SceneNodeMesh::clone() const
 
 std::string SceneNodeMesh::meshFilePath(const String& scene_dir, const String& scene_path) const
 {
+	if(mesh.isNull())
+		throw VelornException("Mesh node '" + getName().str() + "' has no mesh to name its file by.");
 	const std::string scene_name = FileUtils::eatExtension(FileUtils::getFilename(FileUtils::toPlatformSeparators(scene_path.str())));
 	const std::string dir = FileUtils::join(scene_dir.str(), scene_name + "_meshes");
 	uint64_t byte_count = 0;
@@ -55,8 +57,6 @@ void SceneNodeMesh::writeXML(OStream& stream, unsigned depth, WriteContext& cont
 	writeBool(stream, d, "view_dependent_subdivision", view_dependent_subdivision);
 	writeDouble(stream, d, "scale", scale);
 
-	if(mesh.isNull())
-		throw VelornException("Mesh node '" + getName().str() + "' has no mesh to write.");
 	const std::string file_path = meshFilePath(context.scene_dir, context.scene_path);
 	FileUtils::createDirsForPath(FileUtils::getDirectory(file_path));
 	writeMeshToFile(file_path, *mesh);
@@ -102,10 +102,7 @@ void SceneNodeMesh::doVisit(VisitOperation& op)
 
 bool SceneNodeMesh::doIsEqual(const SceneNode& other) const
 {
-	if(!baseFieldsEqual(other))
-		return false;
-	printNotImplemented("TODO: IMPLEMENT SceneNodeMesh::doIsEqual()\n");
-	return true;
+	return equalByBaseFieldsOnly(other, "TODO: IMPLEMENT SceneNodeMesh::doIsEqual()\n");
 }
 
 } // namespace Velorn

@@ -32,9 +32,7 @@ void SceneNodeParametricSurface::writeXML(OStream& stream, unsigned depth, Write
 	const unsigned d = depth + 1;
 	writeOpenTag(stream, depth, "parametric_surface");
 	writeUIDAndName(stream, d);
-	writeOpenTag(stream, d, "shader");
-	writeString(stream, d + 1, "shader", shader);
-	writeCloseTag(stream, d, "shader");
+	writeWrappedString(stream, d, "shader", shader);
 	writeInt(stream, d, "num_u", num_u);
 	writeInt(stream, d, "num_v", num_v);
 	writeCloseTag(stream, depth, "parametric_surface");
@@ -48,10 +46,7 @@ void SceneNodeParametricSurface::doVisit(VisitOperation& op)
 
 bool SceneNodeParametricSurface::doIsEqual(const SceneNode& other) const
 {
-	if(!baseFieldsEqual(other))
-		return false;
-	printNotImplemented("TODO: IMPLEMENT SceneNodeParametricSurface::doIsEqual()\n");
-	return true;
+	return equalByBaseFieldsOnly(other, "TODO: IMPLEMENT SceneNodeParametricSurface::doIsEqual()\n");
 }
 
 } // namespace Velorn

@@ -34,9 +34,7 @@ void SceneNodeScatter::writeXML(OStream& stream, unsigned depth, WriteContext&) 
 	const unsigned d = depth + 1;
 	writeOpenTag(stream, depth, "scatter");
 	writeUIDAndName(stream, d);
-	writeOpenTag(stream, d, "shader");
-	writeString(stream, d + 1, "shader", shader);
-	writeCloseTag(stream, d, "shader");
+	writeWrappedString(stream, d, "shader", shader);
 	writeDouble(stream, d, "density", density);
 	writeInt(stream, d, "seed", (int32_t)seed);
 	writeUID(stream, d, "geometry_uid", geometry_uid);
@@ -97,10 +95,7 @@ Vector<UID> SceneNodeScatter::getDependencyUIDs() const
 
 bool SceneNodeScatter::doIsEqual(const SceneNode& other) const
 {
-	if(!baseFieldsEqual(other))
-		return false;
-	printNotImplemented("TODO: IMPLEMENT SceneNodeScatter::doIsEqual()\n");
-	return true;
+	return equalByBaseFieldsOnly(other, "TODO: IMPLEMENT SceneNodeScatter::doIsEqual()\n");
 }
 
 } // namespace Velorn

@@ -87,10 +87,7 @@ Vector<UID> SceneNodeSphere::getDependencyUIDs() const
 
 bool SceneNodeSphere::doIsEqual(const SceneNode& other) const
 {
-	if(!baseFieldsEqual(other))
-		return false;
-	printNotImplemented("TODO: IMPLEMENT SceneNodeSphere::doIsEqual()\n");
-	return true;
+	return equalByBaseFieldsOnly(other, "TODO: IMPLEMENT SceneNodeSphere::doIsEqual()\n");
 }
 
 } // namespace Velorn

@@ -166,6 +166,13 @@ void writeString(OStream& stream, unsigned depth, const char* name, const String
 		writeElement(stream, depth, name, escapeText(value));
 }
 
+void writeWrappedString(OStream& stream, unsigned depth, const char* name, const String& value)
+{
+	writeOpenTag(stream, depth, name);
+	writeString(stream, depth + 1, name, value);
+	writeCloseTag(stream, depth, name);
+}
+
 void writePath(OStream& stream, unsigned depth, const char* name, const String& path, const WriteContext& context)
 {
 	if(!path.empty() && context.write_absolute_paths)

@@ -40,6 +40,9 @@ void writeBool(OStream& stream, unsigned depth, const char* name, bool value);
 void writeString(OStream& stream, unsigned depth, const char* name, const String& value);
 // As writeString, with the path joined to the scene's directory when the
 // context asks for absolute paths.
+// <name> on its own line, the string as an element of the same name one
+// level in, </name>: the form of shader programs in nodes.
+void writeWrappedString(OStream& stream, unsigned depth, const char* name, const String& value);
 void writePath(OStream& stream, unsigned depth, const char* name, const String& path, const WriteContext& context);
 void writeVec2(OStream& stream, unsigned depth, const char* name, const Vec2d& v);
 void writeVec3(OStream& stream, unsigned depth, const char* name, const Vec3d& v);

@@ -1,0 +1,137 @@
+#pragma once
+
+// Shared by the tests of geometry nodes: a small mesh with the bytes of its
+// checksum and of its .vlmesh file laid out by hand, so that expected file
+// names and contents never come from the code under test, and helpers to
+// run walks and catch failures.
+
+#include "mesh/mesh.h"
+#include "mesh/mesh_test_helpers.h"
+#include "scene/material_test_helpers.h"
+#include "scene/materials_basic.h"
+#include "scene/scene_node.h"
+#include "support/exceptions.h"
+
+#include <zlib.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace VelornTest
+{
+
+// Two materials "Red" and "Blue"; the unit square in z = 0 as four
+// vertices; one triangle (0 1 2) of material 0 and one quad (0 1 2 3) of
+// material 1; no normals, no UVs.
+inline Velorn::Reference<Velorn::Mesh> sampleMesh()
+{
+	Velorn::Reference<Velorn::Mesh> mesh(new Velorn::Mesh());
+	mesh->addMaterialUsed("Red");
+	mesh->addMaterialUsed("Blue");
+	mesh->addVertex(Velorn::Vec3f{0, 0, 0});
+	mesh->addVertex(Velorn::Vec3f{1, 0, 0});
+	mesh->addVertex(Velorn::Vec3f{1, 1, 0});
+	mesh->addVertex(Velorn::Vec3f{0, 1, 0});
+	mesh->addTriangle({0, 1, 2}, {0, 0, 0}, 0);
+	mesh->addQuad({0, 1, 2, 3}, {0, 0, 0, 0}, 1);
+	mesh->endOfModel();
+	return mesh;
+}
+
+// The raw words of the sample mesh's vertices, triangle and quad.
+inline Bytes& sampleVertexBytes(Bytes& b)
+{
+	const float corners[4][3] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+	for(const float(&corner)[3] : corners)
+		b.f32(corner[0]).f32(corner[1]).f32(corner[2]);
+	return b;
+}
+inline Bytes& sampleTriangleBytes(Bytes& b) { return b.u32(0).u32(1).u32(2).u32(0).u32(0).u32(0).u32(0); }
+inline Bytes& sampleQuadBytes(Bytes& b) { return b.u32(0).u32(1).u32(2).u32(3).u32(0).u32(0).u32(0).u32(0).u32(1); }
+
+// The byte count of the sample mesh's checksum: 4 for num_uv_mappings, the
+// names (3 + 4), 4 vertices of 12, one triangle of 28, one quad of 36.
+const uint64_t sample_mesh_byte_count = 4 + 3 + 4 + 4 * 12 + 28 + 36;
+
+// zlib's CRC-32 over num_uv_mappings, the names without lengths, the
+// vertices, uv_layout, the triangle and the quad; empty vectors add nothing.
+inline uint32_t sampleMeshCRC()
+{
+	Bytes b;
+	b.u32(0).raw("Red").raw("Blue");
+	sampleVertexBytes(b).u32(0);
+	sampleQuadBytes(sampleTriangleBytes(b));
+	const std::string& bytes = b.bytes();
+	const uLong crc = crc32(crc32(0L, Z_NULL, 0), reinterpret_cast<const Bytef*>(bytes.data()), (uInt)bytes.size());
+	return (uint32_t)crc;
+}
+
+inline std::string sampleMeshFileName()
+{
+	return "mesh_" + std::to_string(sampleMeshCRC()) + "_" + std::to_string(sample_mesh_byte_count) + ".vlmesh";
+}
+
+// The whole .vlmesh file of the sample mesh, format version 3.
+inline std::string sampleMeshFileBytes()
+{
+	Bytes b;
+	b.u32(0x0053436F).u32(3).u32(0);          // magic, version, num_uv_mappings
+	b.u32(2).str("Red").str("Blue");           // used_materials
+	b.u32(0);                                  // UV set records, always empty
+	sampleVertexBytes(b.u32(4)).u32(0).u32(0); // verts; normals; uv_layout
+	b.u32(0);                                  // uv_pairs
+	sampleTriangleBytes(b.u32(1));
+	sampleQuadBytes(b.u32(1));
+	return b.bytes();
+}
+
+// A diffuse material node whose one texture is the given file.
+inline Velorn::Reference<Velorn::SceneNodeMaterial> texturedNode(const char* name, uint32_t uid, const char* texture_path)
+{
+	Velorn::Reference<Velorn::DiffuseMaterial> diffuse(new Velorn::DiffuseMaterial());
+	Velorn::Texture texture;
+	texture.path = texture_path;
+	diffuse->textures.push_back(texture);
+	return materialNode(diffuse.getPointer(), name, uid);
+}
+
+// The values of a list of UIDs, for comparing with a literal list.
+inline std::vector<uint32_t> valuesOf(const Velorn::Vector<Velorn::UID>& uids)
+{
+	std::vector<uint32_t> values;
+	for(const Velorn::UID& uid : uids)
+		values.push_back(uid.value());
+	return values;
+}
+
+// "SceneParserExcep: " or "VelornException: " and the message of what f
+// throws; "(no failure)" when it throws nothing.
+inline std::string failureOf(const std::function<void()>& f)
+{
+	try
+	{
+		f();
+	}
+	catch(const Velorn::SceneParserExcep& e)
+	{
+		return "SceneParserExcep: " + e.what();
+	}
+	catch(const Velorn::VelornException& e)
+	{
+		return "VelornException: " + e.what();
+	}
+	return "(no failure)";
+}
+
+// One walk of the given type over the node alone, as the tree would hand it.
+inline Velorn::VisitOperation visitNode(Velorn::SceneNode& node, Velorn::VisitOperation::Type type, uint32_t uid_offset = 0)
+{
+	Velorn::VisitOperation op(type, "", "");
+	op.uid_offset = uid_offset;
+	node.doVisit(op);
+	return op;
+}
+
+} // namespace VelornTest
