@@ -5,7 +5,7 @@
 #include "scene/materials_basic.h"
 #include "scene/materials_composite.h"
 #include "scene/materials_other.h"
-#include "scene/materials_specular.h"
+#include "scene/materials_glass.h"
 #include "scene/scene_node_root.h"
 #include "support/test_files.h"
 
@@ -307,8 +307,8 @@ const GoldenCase cases[] = {
 	{"material_oren_nayar.xml", true, orenNayar},
 	{"material_phong.xml", true, phong},
 	{"material_phong_default.xml", true, [] { return materialNode(new PhongMaterial(), "Phong", 8); }},
-	{"material_specular.xml", true, specular},
-	{"material_specular_names.xml", false, specularByName},
+	{"material_glass_smooth.xml", true, specular},
+	{"material_glass_smooth_names.xml", false, specularByName},
 	{"material_glossy_transparent.xml", true, glossy},
 	{"material_glossy_transparent_names.xml", false, glossyByName},
 	{"material_null.xml", true, [] { return materialNode(new NullMaterial(), "Hole", 2); }},

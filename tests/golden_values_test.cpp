@@ -4,7 +4,7 @@
 #include "scene/channel_params.h"
 #include "scene/medium.h"
 #include "scene/shader_info.h"
-#include "scene/spectrum.h"
+#include "scene/wavelength_values.h"
 #include "scene/tex_coord_generator.h"
 #include "scene/texture.h"
 #include "support/test_files.h"
@@ -118,8 +118,8 @@ Writer texture(const Texture& value)
 }
 
 const GoldenCase cases[] = {
-	{"spectrum_blackbody.xml", spectrum(new BlackBodySpectrum(5000, 1.5))},
-	{"spectrum_peak.xml",
+	{"wavelength_blackbody.xml", spectrum(new BlackBodySpectrum(5000, 1.5))},
+	{"wavelength_peak.xml",
 		[](OStream& s, WriteContext&) {
 			PeakSpectrum peak;
 			peak.peak_min = 4e-7;
@@ -127,12 +127,12 @@ const GoldenCase cases[] = {
 			peak.peak_value = 2;
 			peak.writeXML(s, 0);
 		}},
-	{"spectrum_rgb.xml", spectrum(new RGBSpectrum(Vec3d(0.5, 0.25, 1), 2.2), 1)},
-	{"spectrum_regular.xml", spectrum(regular({0.1, 0.5, 1e21}))},
-	{"spectrum_regular_empty.xml", spectrum(regular({}))},
-	{"spectrum_uniform.xml", spectrum(uniform(-0.0))},
-	{"tabulated_spectral_data.xml", [](OStream& s, WriteContext&) { table(2, {1, 2, 3, 4, 5, 6})->writeXML(s, 0); }},
-	{"tabulated_spectral_data_partial_row.xml",
+	{"wavelength_rgb.xml", spectrum(new RGBSpectrum(Vec3d(0.5, 0.25, 1), 2.2), 1)},
+	{"wavelength_regular.xml", spectrum(regular({0.1, 0.5, 1e21}))},
+	{"wavelength_regular_empty.xml", spectrum(regular({}))},
+	{"wavelength_uniform.xml", spectrum(uniform(-0.0))},
+	{"tabulated_data.xml", [](OStream& s, WriteContext&) { table(2, {1, 2, 3, 4, 5, 6})->writeXML(s, 0); }},
+	{"tabulated_data_partial_row.xml",
 		[](OStream& s, WriteContext&) { table(3, {1, 2, 3, 4, 5, 6, 7})->writeXML(s, 0); }},
 	{"params_wavelength_dependent.xml",
 		params<WavelengthDependentParam>({new ConstantWavelengthDependentParam(uniform(0.75)),

@@ -4,7 +4,7 @@
 #include "scene/materials_basic.h"
 #include "scene/materials_composite.h"
 #include "scene/materials_other.h"
-#include "scene/materials_specular.h"
+#include "scene/materials_glass.h"
 #include "scene/rotation.h"
 #include "scene/scene_node_background_settings.h"
 #include "scene/scene_node_camera.h"
@@ -19,7 +19,7 @@
 #include "scene/scene_node_section_plane.h"
 #include "scene/scene_node_sphere.h"
 #include "scene/scene_node_tonemapping.h"
-#include "scene/spectrum.h"
+#include "scene/wavelength_values.h"
 #include "support/file_utils.h"
 
 #include <cmath>

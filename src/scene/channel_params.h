@@ -2,7 +2,7 @@
 
 #include "scene/ostream.h"
 #include "scene/shader_info.h"
-#include "scene/spectrum.h"
+#include "scene/wavelength_values.h"
 #include "scene/value_helpers.h"
 #include "scene/visit_operation.h"
 #include "scene/write_context.h"

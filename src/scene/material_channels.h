@@ -4,7 +4,7 @@
 #include "scene/math_types.h"
 #include "scene/scene_node_material.h"
 #include "scene/scene_node_medium.h"
-#include "scene/spectrum.h"
+#include "scene/wavelength_values.h"
 
 // The machinery the material classes share. Each class lists its fields in
 // the order of its element as one table, a generic lambda that calls

@@ -1,7 +1,7 @@
 #include "scene/material_test_helpers.h"
 #include "scene/materials_basic.h"
 #include "scene/materials_composite.h"
-#include "scene/materials_specular.h"
+#include "scene/materials_glass.h"
 #include "support/exceptions.h"
 
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 #include "scene/channel_params.h"
 #include "scene/math_types.h"
 #include "scene/ostream.h"
-#include "scene/spectrum.h"
+#include "scene/wavelength_values.h"
 #include "scene/write_context.h"
 #include "support/reference.h"
 #include "support/velorn_string.h"

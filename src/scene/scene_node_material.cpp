@@ -3,7 +3,7 @@
 #include "scene/material_channels.h"
 #include "scene/materials_basic.h"
 #include "scene/materials_composite.h"
-#include "scene/materials_specular.h"
+#include "scene/materials_glass.h"
 #include "scene/scene_node_root.h"
 #include "scene/scene_node_scatter.h"
 #include "scene/value_helpers.h"

@@ -2,7 +2,7 @@
 #include "scene/materials_basic.h"
 #include "scene/materials_composite.h"
 #include "scene/materials_other.h"
-#include "scene/materials_specular.h"
+#include "scene/materials_glass.h"
 #include "support/exceptions.h"
 
 #include <gtest/gtest.h>

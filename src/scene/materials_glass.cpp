@@ -1,4 +1,4 @@
-#include "scene/materials_specular.h"
+#include "scene/materials_glass.h"
 
 #include "scene/material_channels.h"
 #include "scene/scene_node_root.h"

@@ -1,4 +1,4 @@
-#include "scene/spectrum.h"
+#include "scene/wavelength_values.h"
 
 #include "scene/xml_write.h"
 

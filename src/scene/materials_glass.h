@@ -2,10 +2,12 @@
 
 #include "scene/material.h"
 #include "scene/scene_node_medium.h"
-#include "scene/spectrum.h"
+#include "scene/wavelength_values.h"
 
 namespace Velorn
 {
+
+// The glass-like surfaces, which hold an internal medium.
 
 // A smooth boundary that reflects and, when transparent, refracts into the
 // internal medium. Its maker always gives it a medium, bound or set before
