@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdio>
 #include <fstream>
 #include <string>
 
@@ -26,10 +27,18 @@ bool isDirectory(const std::string& path);
 // Makes one directory; true when it exists afterwards.
 bool makeDirectory(const std::string& path);
 
+// fopen on a UTF-8 path; null on failure, with the reason in the last error.
+FILE* openFile(const std::string& path, const char* mode);
+
 // Opens a file stream on a UTF-8 path. Other readers and writers are not
 // locked out.
 void openFileStream(std::ofstream& stream, const std::string& path, std::ios::openmode mode);
 void openFileStream(std::ifstream& stream, const std::string& path, std::ios::openmode mode);
+
+// The system's text for an error code, and for the last error of this
+// thread: the text + " (error code=" + code + ")".
+std::string errorString(int code);
+std::string lastErrorString();
 
 } // namespace Platform
 } // namespace Velorn
