@@ -3,6 +3,8 @@
 #include "support/exceptions.h"
 #include "support/platform.h"
 
+#include <cstdio>
+
 namespace Velorn
 {
 namespace FileUtils
@@ -71,6 +73,99 @@ void createDirsForPath(const std::string& path)
 	createDirsForPath(getDirectory(path));
 	if(!Platform::makeDirectory(path))
 		throw FileUtilsExcep("Failed to create directory '" + path + "'");
+}
+
+std::vector<std::string> getFilesInDir(const std::string& path)
+{
+	std::vector<std::string> names;
+	if(!Platform::listDirectory(path, names))
+		throw FileUtilsExcep("Failed to open dir '" + path + "'");
+	return names;
+}
+
+uint64_t getFileSize(const std::string& path)
+{
+	uint64_t size = 0;
+	if(!Platform::fileSize(path, size))
+		throw FileUtilsExcep("CreateFile failed: " + Platform::lastErrorString());
+	return size;
+}
+
+void writeEntireFile(const std::string& path, const char* data, size_t size)
+{
+	FILE* file = Platform::openFile(path, "wb");
+	if(!file)
+		throw FileUtilsExcep("Could not open '" + path + "' for writing.");
+	const bool written = std::fwrite(data, 1, size, file) == size;
+	if(std::fclose(file) != 0 || !written)
+		throw FileUtilsExcep("Write to '" + path + "' failed.");
+}
+
+void writeEntireFile(const std::string& path, const unsigned char* data, size_t size)
+{
+	writeEntireFile(path, reinterpret_cast<const char*>(data), size);
+}
+
+void writeEntireFile(const std::string& path, const std::string& text) { writeEntireFile(path, text.data(), text.size()); }
+
+void writeEntireFile(const std::string& path, const std::vector<unsigned char>& data)
+{
+	writeEntireFile(path, data.data(), data.size());
+}
+
+namespace
+{
+
+template <class Bytes>
+void readWholeFile(const std::string& path, Bytes& out)
+{
+	FILE* file = Platform::openFile(path, "rb");
+	if(!file)
+		throw FileUtilsExcep("could not open '" + path + "' for reading.");
+	out.clear();
+	char buf[65536];
+	size_t n;
+	while((n = std::fread(buf, 1, sizeof(buf), file)) > 0)
+		out.insert(out.end(), buf, buf + n);
+	std::fclose(file);
+}
+
+} // namespace
+
+void readEntireFile(const std::string& path, std::string& out) { readWholeFile(path, out); }
+
+void readEntireFile(const std::string& path, std::vector<unsigned char>& out) { readWholeFile(path, out); }
+
+void copyFile(const std::string& from, const std::string& to)
+{
+	std::vector<unsigned char> data;
+	try
+	{
+		readEntireFile(from, data);
+		writeEntireFile(to, data);
+	}
+	catch(const FileUtilsExcep&)
+	{
+		throw FileUtilsExcep("Failed to copy file '" + from + "' to '" + to + "'");
+	}
+}
+
+void moveFile(const std::string& from, const std::string& to)
+{
+	if(!Platform::renamePath(from, to))
+		throw FileUtilsExcep("Failed to move file '" + from + "' to '" + to + "'");
+}
+
+void deleteFile(const std::string& path)
+{
+	if(!Platform::removeFile(path))
+		throw FileUtilsExcep("Failed to delete file '" + path + "'");
+}
+
+void deleteEmptyDirectory(const std::string& path)
+{
+	if(!Platform::removeEmptyDirectory(path))
+		throw FileUtilsExcep("Failed to delete directory '" + path + "'");
 }
 
 } // namespace FileUtils

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
-// Path handling over UTF-8 strings. Separators are those of the platform;
+// Files and paths over UTF-8 strings. Failures throw FileUtilsExcep. Separators are those of the platform;
 // joined paths get its preferred one.
 namespace Velorn
 {
@@ -24,6 +26,20 @@ std::string toPlatformSeparators(const std::string& path);
 std::string makeAbsolute(const std::string& path);
 
 bool fileExists(const std::string& path);
+
+// The names of the entries of a directory (files and directories).
+std::vector<std::string> getFilesInDir(const std::string& path);
+uint64_t getFileSize(const std::string& path);
+void writeEntireFile(const std::string& path, const std::string& text);
+void writeEntireFile(const std::string& path, const std::vector<unsigned char>& data);
+void writeEntireFile(const std::string& path, const char* data, size_t size);
+void writeEntireFile(const std::string& path, const unsigned char* data, size_t size);
+void readEntireFile(const std::string& path, std::string& out);
+void readEntireFile(const std::string& path, std::vector<unsigned char>& out);
+void copyFile(const std::string& from, const std::string& to);
+void moveFile(const std::string& from, const std::string& to);
+void deleteFile(const std::string& path);
+void deleteEmptyDirectory(const std::string& path);
 // Makes every directory of the path that does not exist yet; the last
 // component counts as a directory too. Throws FileUtilsExcep on failure.
 void createDirsForPath(const std::string& path);

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <string>
+#include <vector>
 
 // The operating system calls of the support library. Nothing outside the
 // platform_* files includes a system header; everything else asks here.
@@ -26,6 +28,15 @@ bool pathExists(const std::string& path);
 bool isDirectory(const std::string& path);
 // Makes one directory; true when it exists afterwards.
 bool makeDirectory(const std::string& path);
+
+// The names of the entries of a directory, without "." and "..".
+// False when the directory cannot be read.
+bool listDirectory(const std::string& path, std::vector<std::string>& names);
+// False when the file cannot be looked at; the reason is the last error.
+bool fileSize(const std::string& path, uint64_t& size);
+bool removeFile(const std::string& path);
+bool removeEmptyDirectory(const std::string& path);
+bool renamePath(const std::string& from, const std::string& to);
 
 // fopen on a UTF-8 path; null on failure, with the reason in the last error.
 FILE* openFile(const std::string& path, const char* mode);

@@ -1,9 +1,18 @@
 #include "support/platform.h"
 
 #include "support/exceptions.h"
+#include "support/file_utils.h"
 #include "support/mem_mapped_file.h"
+#include "support/platform_utils.h"
 
 #include <cerrno>
+#include <cpuid.h>
+#include <cstdlib>
+#include <dirent.h>
+#include <dlfcn.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -47,17 +56,180 @@ bool makeDirectory(const std::string& path)
 	return errno == EEXIST && isDirectory(path);
 }
 
+bool listDirectory(const std::string& path, std::vector<std::string>& names)
+{
+	DIR* dir = ::opendir(path.c_str());
+	if(!dir)
+		return false;
+	while(const struct dirent* entry = ::readdir(dir))
+	{
+		const std::string name = entry->d_name;
+		if(name != "." && name != "..")
+			names.push_back(name);
+	}
+	::closedir(dir);
+	return true;
+}
+
+bool fileSize(const std::string& path, uint64_t& size)
+{
+	struct stat info;
+	if(::stat(path.c_str(), &info) != 0)
+		return false;
+	size = (uint64_t)info.st_size;
+	return true;
+}
+
+bool removeFile(const std::string& path) { return ::unlink(path.c_str()) == 0; }
+
+bool removeEmptyDirectory(const std::string& path) { return ::rmdir(path.c_str()) == 0; }
+
+bool renamePath(const std::string& from, const std::string& to) { return std::rename(from.c_str(), to.c_str()) == 0; }
+
 FILE* openFile(const std::string& path, const char* mode) { return std::fopen(path.c_str(), mode); }
 
 void openFileStream(std::ofstream& stream, const std::string& path, std::ios::openmode mode) { stream.open(path, mode); }
 
 void openFileStream(std::ifstream& stream, const std::string& path, std::ios::openmode mode) { stream.open(path, mode); }
 
-std::string errorString(int code) { return std::string(std::strerror(code)) + " (error code=" + std::to_string(code) + ")"; }
+std::string errorString(int code) { return PlatformUtils::getErrorString(code); }
 
 std::string lastErrorString() { return errorString(errno); }
 
 } // namespace Platform
+
+namespace PlatformUtils
+{
+
+namespace
+{
+
+void cpuid(uint32_t leaf, uint32_t regs[4]) { __cpuid(leaf, regs[0], regs[1], regs[2], regs[3]); }
+
+// The value of an environment variable, or null when it is not set.
+const char* environmentValue(const char* name) { return std::getenv(name); }
+
+} // namespace
+
+void getCPUInfo(CPUInfo& out)
+{
+	uint32_t regs[4]; // EAX, EBX, ECX, EDX
+	cpuid(0, regs);
+	if(regs[0] < 1)
+		throw PlatformUtilsExcep("CPUID highest_param error.");
+	std::memcpy(out.vendor, &regs[1], 4);
+	std::memcpy(out.vendor + 4, &regs[3], 4);
+	std::memcpy(out.vendor + 8, &regs[2], 4);
+
+	cpuid(1, regs);
+	out.htt = false;
+	out.mmx = (regs[3] >> 23) & 1;
+	out.sse1 = (regs[3] >> 25) & 1;
+	out.sse2 = (regs[3] >> 26) & 1;
+	out.sse3 = regs[2] & 1;
+	out.sse4_1 = (regs[2] >> 19) & 1;
+	out.sse4_2 = (regs[2] >> 20) & 1;
+	out.stepping = regs[0] & 0xF;
+	out.model = (regs[0] >> 4) & 0xF;
+	out.family = (regs[0] >> 8) & 0xF;
+
+	cpuid(0x80000000u, regs);
+	if(regs[0] < 0x80000004u)
+		throw PlatformUtilsExcep("CPUID highest_extended_param error.");
+	for(uint32_t i = 0; i < 3; ++i)
+	{
+		cpuid(0x80000002u + i, regs);
+		std::memcpy(out.proc_brand + 16 * i, regs, 16);
+	}
+}
+
+std::string getAPPDataDirPath()
+{
+	// The roaming application data of Windows is the user's configuration
+	// directory here.
+	if(const char* config = environmentValue("XDG_CONFIG_HOME"))
+		if(*config)
+			return config;
+	const char* home = environmentValue("HOME");
+	if(!home || !*home)
+		throw PlatformUtilsExcep("SHGetFolderPath() failed, Error code: " + std::to_string(ENOENT));
+	return FileUtils::join(home, ".config");
+}
+
+std::string getTempDirPath()
+{
+	const char* tmp = environmentValue("TMPDIR");
+	return tmp && *tmp ? std::string(tmp) : std::string("/tmp");
+}
+
+std::string getCurrentWorkingDirPath()
+{
+	const std::string cwd = Platform::currentWorkingDirectory();
+	if(cwd.empty())
+		throw PlatformUtilsExcep("_wgetcwd() failed.");
+	return cwd;
+}
+
+std::string getOrCreateAppDataDirectory()
+{
+	const std::string dir = FileUtils::join(getAPPDataDirPath(), "Velorn Renderer");
+	FileUtils::createDirsForPath(dir);
+	return dir;
+}
+
+std::string getFullPathToLib()
+{
+	Dl_info info;
+	if(::dladdr((void*)&getFullPathToLib, &info) == 0 || !info.dli_fname)
+		throw PlatformUtilsExcep("GetModuleFileName failed.");
+	return info.dli_fname;
+}
+
+void openFileBrowserWindowAtLocation(const std::string& path)
+{
+	// Opens the directory that holds the file.
+	const std::string dir = FileUtils::getDirectory(path);
+	const char* argv[] = {"xdg-open", dir.empty() ? "." : dir.c_str(), nullptr};
+	pid_t pid;
+	const int error = ::posix_spawnp(&pid, "xdg-open", nullptr, nullptr, const_cast<char* const*>(argv), environ);
+	if(error != 0)
+		throw PlatformUtilsExcep("openFileBrowserWindowAtLocation Failed: error code: " + std::to_string(error));
+}
+
+std::string getLastErrorString() { return getErrorString(errno); }
+
+std::string getErrorString(int code)
+{
+	const char* text = std::strerror(code);
+	if(!text || !*text)
+		return "[Unknown (error code=" + std::to_string(code) + ")]";
+	return std::string(text) + " (error code=" + std::to_string(code) + ")";
+}
+
+void setThisProcessPriority(int level)
+{
+	// Below normal on Windows is about nice 10 here.
+	if(::setpriority(PRIO_PROCESS, 0, level == 0 ? 10 : 0) != 0)
+		throw PlatformUtilsExcep("SetPriorityClass failed: " + getLastErrorString());
+}
+
+std::string getEnvironmentVariable(const std::string& name)
+{
+	const char* value = environmentValue(name.c_str());
+	if(!value)
+		throw PlatformUtilsExcep("getEnvironmentVariable failed: " + getErrorString(ENOENT));
+	return value;
+}
+
+std::string getLoggedInUserName()
+{
+	if(const char* user = environmentValue("USERNAME"))
+		return user;
+	const char* user = environmentValue("USER");
+	return user ? user : "";
+}
+
+} // namespace PlatformUtils
 
 MemMappedFile::MemMappedFile(const std::string& path)
 {

@@ -1,0 +1,127 @@
+#include "support/exceptions.h"
+#include "support/file_utils.h"
+#include "support/mem_mapped_file.h"
+#include "support/platform_utils.h"
+#include "support/test_files.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+
+using namespace Velorn;
+
+namespace
+{
+
+std::string failureOf(const std::function<void()>& f)
+{
+	try
+	{
+		f();
+	}
+	catch(const MessageException& e)
+	{
+		return e.what();
+	}
+	return "(no failure)";
+}
+
+} // namespace
+
+TEST(FileUtils, PathsJoinAndSplit)
+{
+	EXPECT_EQ(FileUtils::join("", "a.png"), "a.png");
+	EXPECT_EQ(FileUtils::join("/scenes", "a.png"), "/scenes/a.png");
+	EXPECT_EQ(FileUtils::join("/scenes/", "a.png"), "/scenes/a.png");
+	EXPECT_EQ(FileUtils::join("/scenes", "/abs/a.png"), "/abs/a.png");
+	EXPECT_EQ(FileUtils::getDirectory("/a/b/c.vls"), "/a/b");
+	EXPECT_EQ(FileUtils::getDirectory("c.vls"), "");
+	EXPECT_EQ(FileUtils::getFilename("/a/b/c.vls"), "c.vls");
+	EXPECT_EQ(FileUtils::eatExtension("a/b.c.vls"), "a/b.c");
+	EXPECT_EQ(FileUtils::eatExtension("a.d/b"), "a.d/b");
+}
+
+TEST(FileUtils, WholeFilesAndDirectories)
+{
+	VelornTest::TempDir dir;
+	const std::string a = dir.file("deep/er/a.bin");
+	FileUtils::createDirsForPath(FileUtils::getDirectory(a));
+	const std::vector<unsigned char> bytes = {0, 1, 2, 255};
+	FileUtils::writeEntireFile(a, bytes);
+	EXPECT_TRUE(FileUtils::fileExists(a));
+	EXPECT_EQ(FileUtils::getFileSize(a), 4u);
+
+	std::vector<unsigned char> read_back;
+	FileUtils::readEntireFile(a, read_back);
+	EXPECT_EQ(read_back, bytes);
+
+	const std::string b = dir.file("deep/b.bin");
+	FileUtils::copyFile(a, b);
+	FileUtils::moveFile(b, dir.file("deep/c.bin"));
+	std::vector<std::string> names = FileUtils::getFilesInDir(dir.file("deep"));
+	std::sort(names.begin(), names.end());
+	EXPECT_EQ(names, (std::vector<std::string>{"c.bin", "er"}));
+
+	FileUtils::deleteFile(a);
+	FileUtils::deleteEmptyDirectory(dir.file("deep/er"));
+	EXPECT_FALSE(FileUtils::fileExists(dir.file("deep/er")));
+
+	const std::string missing = dir.file("missing");
+	EXPECT_EQ(failureOf([&] { FileUtils::getFilesInDir(missing); }), "Failed to open dir '" + missing + "'");
+	EXPECT_EQ(failureOf([&] {
+		std::string out;
+		FileUtils::readEntireFile(missing, out);
+	}),
+		"could not open '" + missing + "' for reading.");
+	EXPECT_EQ(failureOf([&] { FileUtils::writeEntireFile(dir.file("missing/x"), std::string("x")); }),
+		"Could not open '" + dir.file("missing/x") + "' for writing.");
+	EXPECT_EQ(failureOf([&] { FileUtils::copyFile(missing, b); }), "Failed to copy file '" + missing + "' to '" + b + "'");
+	EXPECT_EQ(failureOf([&] { FileUtils::moveFile(missing, b); }), "Failed to move file '" + missing + "' to '" + b + "'");
+	EXPECT_EQ(failureOf([&] { FileUtils::deleteFile(missing); }), "Failed to delete file '" + missing + "'");
+	EXPECT_EQ(failureOf([&] { FileUtils::deleteEmptyDirectory(dir.file("deep")); }),
+		"Failed to delete directory '" + dir.file("deep") + "'");
+	EXPECT_EQ(failureOf([&] { FileUtils::getFileSize(missing); }).rfind("CreateFile failed: ", 0), 0u);
+}
+
+TEST(MemMappedFile, MapsWholeFilesAndRefusesWhatItCannot)
+{
+	VelornTest::TempDir dir;
+	FileUtils::writeEntireFile(dir.file("data"), std::string("hello"));
+	{
+		MemMappedFile mapped(dir.file("data"));
+		ASSERT_EQ(mapped.fileSize(), 5u);
+		EXPECT_EQ(std::memcmp(mapped.fileData(), "hello", 5), 0);
+	}
+
+	FileUtils::writeEntireFile(dir.file("empty"), std::string());
+	MemMappedFile empty(dir.file("empty"));
+	EXPECT_EQ(empty.fileSize(), 0u);
+	EXPECT_EQ(empty.fileData(), nullptr);
+
+	const std::string missing = dir.file("missing");
+	EXPECT_EQ(failureOf([&] { MemMappedFile m(missing); }).rfind("CreateFile failed for path '" + missing + "': ", 0), 0u);
+
+	// A sparse file of 4 GiB takes no room on disk.
+	std::filesystem::resize_file(dir.file("empty"), (uintmax_t)1 << 32);
+	EXPECT_EQ(failureOf([&] { MemMappedFile m(dir.file("empty")); }), "File is too large.");
+}
+
+TEST(PlatformUtils, SystemFacts)
+{
+	CPUInfo info;
+	PlatformUtils::getCPUInfo(info);
+	EXPECT_NE(std::string(info.vendor, 12).find_first_not_of(' '), std::string::npos);
+	EXPECT_FALSE(info.htt);
+	EXPECT_TRUE(info.sse2); // every x86-64 processor has it
+
+	EXPECT_EQ(PlatformUtils::getErrorString(2), std::string("No such file or directory (error code=2)"));
+	EXPECT_FALSE(PlatformUtils::getCurrentWorkingDirPath().empty());
+	EXPECT_FALSE(PlatformUtils::getTempDirPath().empty());
+	EXPECT_NE(PlatformUtils::getFullPathToLib().find("support_tests"), std::string::npos);
+	EXPECT_EQ(PlatformUtils::getEnvironmentVariable("PATH").empty(), false);
+	EXPECT_EQ(failureOf([] { PlatformUtils::getEnvironmentVariable("VELORN_SURELY_NOT_SET"); }),
+		"getEnvironmentVariable failed: No such file or directory (error code=2)");
+}
