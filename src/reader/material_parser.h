@@ -32,6 +32,8 @@ Reference<Spectrum> parseSpectrum(const TiXmlElement& element);
 Reference<TabulatedSpectralData> parseTabulatedSpectralData(const TiXmlElement& element);
 Texture parseTexture(const TiXmlElement& element, const std::string& dir);
 Reference<ShaderInfo> parseShaderInfo(const TiXmlElement& element, const std::string& dir);
+// A param element of a shader info: one of real, int, colour3.
+Reference<ShaderParam> parseShaderParam(const TiXmlElement& element);
 
 // The channel readers: element holds one of the family's forms (constant,
 // texture, shader, voxel). Texture indices are checked against num_textures.
@@ -40,6 +42,10 @@ Reference<WavelengthIndependentParam> parseWavelengthIndependentParam(const TiXm
 Reference<DisplacementParam> parseDisplacementParam(const TiXmlElement& element, const std::string& dir, size_t num_textures);
 Reference<Vec3Param> parseVec3Param(const TiXmlElement& element, const std::string& dir, size_t num_textures);
 Reference<VolumeParam> parseVolumeParam(const TiXmlElement& element, const std::string& dir);
+// The reader of Family among the four above that take texture indices, for
+// code that is generic over the families.
+template <class Family>
+Reference<Family> parseParam(const TiXmlElement& element, const std::string& dir, size_t num_textures);
 
 } // namespace MaterialParser
 } // namespace Velorn

@@ -4,6 +4,7 @@
 
 #include <double-conversion/double-conversion.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <limits>
@@ -22,6 +23,14 @@ const StringToDoubleConverter& textToNumberConverter()
 {
 	// Empty text and junk both give NaN, which is what the callers test for.
 	static const StringToDoubleConverter converter(StringToDoubleConverter::NO_FLAGS,
+		std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::quiet_NaN(), nullptr, nullptr);
+	return converter;
+}
+
+// As above, but the number may be followed by anything.
+const StringToDoubleConverter& prefixConverter()
+{
+	static const StringToDoubleConverter converter(StringToDoubleConverter::ALLOW_TRAILING_JUNK,
 		std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::quiet_NaN(), nullptr, nullptr);
 	return converter;
 }
@@ -99,6 +108,40 @@ uint64_t stringToUInt64(const std::string& s)
 			place *= 10;
 	}
 	return sum;
+}
+
+bool parseDoublePrefix(const char* text, size_t length, double& value, size_t& consumed)
+{
+	// The converter counts in int; a number never needs more than that.
+	const int limited = (int)std::min<size_t>(length, (size_t)std::numeric_limits<int>::max());
+	int processed = 0;
+	value = prefixConverter().StringToDouble(text, limited, &processed);
+	consumed = (size_t)processed;
+	return processed > 0;
+}
+
+bool parseInt64Prefix(const char* text, size_t length, int64_t& value, size_t& consumed)
+{
+	size_t i = 0;
+	const bool negative = length > 0 && text[0] == '-';
+	if(length > 0 && (text[0] == '-' || text[0] == '+'))
+		++i;
+	const size_t first_digit = i;
+	// The magnitude is gathered as unsigned so that the smallest int64 fits.
+	const uint64_t limit = negative ? (uint64_t)std::numeric_limits<int64_t>::max() + 1 : (uint64_t)std::numeric_limits<int64_t>::max();
+	uint64_t magnitude = 0;
+	for(; i < length && text[i] >= '0' && text[i] <= '9'; ++i)
+	{
+		const uint64_t digit = (uint64_t)(text[i] - '0');
+		if(magnitude > (limit - digit) / 10)
+			return false;
+		magnitude = magnitude * 10 + digit;
+	}
+	if(i == first_digit)
+		return false;
+	value = negative ? (int64_t)(0 - magnitude) : (int64_t)magnitude;
+	consumed = i;
+	return true;
 }
 
 uint32_t hexStringToUInt32(const std::string& s)

@@ -17,6 +17,13 @@ float stringToFloat(const std::string& s);
 double stringToDouble(const std::string& s);
 int stringToInt(const std::string& s);
 uint64_t stringToUInt64(const std::string& s);
+// The number at the start of text, for readers that go on after it. consumed
+// is how many bytes the number took; false when no number starts there. The
+// double form follows double-conversion (no "NaN" or "Infinity"); the integer
+// form is an optional sign and decimal digits, false when the value does not
+// fit into 64 bits. Neither skips white space.
+bool parseDoublePrefix(const char* text, size_t length, double& value, size_t& consumed);
+bool parseInt64Prefix(const char* text, size_t length, int64_t& value, size_t& consumed);
 // "0x" and one to eight hex digits; anything else gives 0.
 uint32_t hexStringToUInt32(const std::string& s);
 // Pairs of hex digits to bytes; a character that is not a hex digit counts as 0.

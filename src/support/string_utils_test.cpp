@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <cstring>
 #include <limits>
 
 using namespace Velorn;
@@ -129,4 +130,74 @@ TEST(StringUtils, BytesAndPaths)
 	EXPECT_EQ(UTF8ToUTF16("\xC3"), (std::u16string{0xFFFD}));
 	EXPECT_EQ(UTF8ToUTF16("\xE2\x82x"), (std::u16string{0xFFFD, u'x'}));
 	EXPECT_EQ(UTF16ToUTF8(std::u16string{0xD800}), "\xEF\xBF\xBD");
+}
+
+// The prefix forms report how far the number went, for readers that go on.
+TEST(StringUtils, NumberPrefixes)
+{
+	struct DoubleCase
+	{
+		const char* text;
+		bool ok;
+		double value;
+		size_t consumed;
+	};
+	const DoubleCase doubles[] = {
+		{"3.5x", true, 3.5, 3},
+		{"-1e-7 2", true, -1e-7, 5},
+		{"1,5", true, 1, 1},
+		{"1e", true, 1, 1},
+		{"", false, 0, 0},
+		{" 1", false, 0, 0},
+		{"NaN", false, 0, 0},
+		{"x1", false, 0, 0},
+	};
+	for(const DoubleCase& c : doubles)
+	{
+		SCOPED_TRACE(c.text);
+		double value = 0;
+		size_t consumed = 0;
+		ASSERT_EQ(parseDoublePrefix(c.text, std::strlen(c.text), value, consumed), c.ok);
+		if(c.ok)
+		{
+			EXPECT_EQ(value, c.value);
+			EXPECT_EQ(consumed, c.consumed);
+		}
+	}
+	// The length bounds the reading: "12" of "123".
+	double value = 0;
+	size_t consumed = 0;
+	ASSERT_TRUE(parseDoublePrefix("123", 2, value, consumed));
+	EXPECT_EQ(value, 12);
+
+	struct IntCase
+	{
+		const char* text;
+		bool ok;
+		int64_t value;
+		size_t consumed;
+	};
+	const IntCase ints[] = {
+		{"12abc", true, 12, 2},
+		{"-42 ", true, -42, 3},
+		{"+7", true, 7, 2},
+		{"9223372036854775807", true, std::numeric_limits<int64_t>::max(), 19},
+		{"-9223372036854775808", true, std::numeric_limits<int64_t>::min(), 20},
+		{"9223372036854775808", false, 0, 0},
+		{"-9223372036854775809", false, 0, 0},
+		{"-", false, 0, 0},
+		{"", false, 0, 0},
+		{" 1", false, 0, 0},
+	};
+	for(const IntCase& c : ints)
+	{
+		SCOPED_TRACE(c.text);
+		int64_t number = 0;
+		ASSERT_EQ(parseInt64Prefix(c.text, std::strlen(c.text), number, consumed), c.ok);
+		if(c.ok)
+		{
+			EXPECT_EQ(number, c.value);
+			EXPECT_EQ(consumed, c.consumed);
+		}
+	}
 }

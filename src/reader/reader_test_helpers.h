@@ -1,0 +1,49 @@
+#pragma once
+
+// Helpers shared by the tests of the reader: documents from text, and the
+// message of a failure.
+
+#include "support/exceptions.h"
+
+#include <gtest/gtest.h>
+#include <tinyxml.h>
+
+#include <string>
+
+namespace VelornTest
+{
+
+// A document parsed from text the way scene files are read, white space
+// kept. Fails the test if the text is not well-formed.
+class XMLText
+{
+public:
+	explicit XMLText(const std::string& text)
+	{
+		TiXmlBase::SetCondenseWhiteSpace(false);
+		doc.Parse(text.c_str());
+		EXPECT_FALSE(doc.Error()) << doc.ErrorDesc() << " in " << text;
+	}
+
+	const TiXmlElement& root() const { return *doc.RootElement(); }
+
+private:
+	TiXmlDocument doc;
+};
+
+// The message of the Excep that f throws, or "(no failure)".
+template <class Excep, class Function>
+std::string failureOf(Function f)
+{
+	try
+	{
+		f();
+	}
+	catch(const Excep& e)
+	{
+		return e.what();
+	}
+	return "(no failure)";
+}
+
+} // namespace VelornTest
