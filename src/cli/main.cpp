@@ -1,15 +1,41 @@
 // The velorn command: scene and mesh tools of the Velorn scene library.
 
+#include "cli/mesh_commands.h"
 #include "cli/sample_scene.h"
+#include "cli/scene_commands.h"
 #include "support/exceptions.h"
 
 #include <CLI/CLI.hpp>
 
+#include <functional>
 #include <iostream>
+
+namespace
+{
+
+// Runs one command; a library error becomes one message on standard error
+// and exit code 1.
+int run(const std::function<std::string()>& command)
+{
+	try
+	{
+		std::cout << command();
+		return 0;
+	}
+	catch(const Velorn::MessageException& e)
+	{
+		std::cerr << e.what() << "\n";
+		return 1;
+	}
+}
+
+std::string withNewline(const std::string& text) { return text + "\n"; }
+
+} // namespace
 
 int main(int argc, char** argv)
 {
-	CLI::App app{"Velorn scene tools: build, write and check Velorn scenes and meshes."};
+	CLI::App app{"Velorn scene tools: build, check and convert Velorn scenes and meshes."};
 	app.require_subcommand(1);
 
 	std::string out_dir = "out";
@@ -18,20 +44,36 @@ int main(int argc, char** argv)
 		"with its meshes in DIR/sample_meshes.");
 	sample->add_option("-o,--out", out_dir, "Directory to write into")->capture_default_str();
 
+	CLI::App* scene = app.add_subcommand("scene", "Check and rewrite scene files (.vls).");
+	scene->require_subcommand(1);
+	std::string scene_path, scene_out;
+	CLI::App* check = scene->add_subcommand("check",
+		"Parse, finalise and validate a scene file; print its node counts by kind, or the error with its place in the file.");
+	check->add_option("FILE", scene_path, "Scene file")->required();
+	CLI::App* format = scene->add_subcommand("format",
+		"Parse and finalise a scene file and write it again, with its meshes, in the writer's form.");
+	format->add_option("FILE", scene_path, "Scene file")->required();
+	format->add_option("-o,--out", scene_out, "Scene file to write")->required();
+
+	CLI::App* mesh = app.add_subcommand("mesh", "Inspect and convert mesh and model files (.vlmesh, .obj, .ply).");
+	mesh->require_subcommand(1);
+	std::string mesh_path, mesh_out;
+	CLI::App* info = mesh->add_subcommand("info",
+		"Load a .vlmesh, .obj or .ply file and print its counts, bounds, checksum and byte count.");
+	info->add_option("FILE", mesh_path, "Mesh or model file")->required();
+	CLI::App* convert = mesh->add_subcommand("convert", "Load a .vlmesh, .obj or .ply file and write it as a .vlmesh file.");
+	convert->add_option("IN", mesh_path, "Mesh or model file")->required();
+	convert->add_option("OUT", mesh_out, "The .vlmesh file to write")->required();
+
 	CLI11_PARSE(app, argc, argv);
 
-	try
-	{
-		if(sample->parsed())
-		{
-			const std::string path = Velorn::writeSampleScene(out_dir);
-			std::cout << "Wrote " << path << "\n";
-		}
-	}
-	catch(const Velorn::MessageException& e)
-	{
-		std::cerr << "velorn: " << e.what() << "\n";
-		return 1;
-	}
-	return 0;
+	if(sample->parsed())
+		return run([&] { return "Wrote " + Velorn::writeSampleScene(out_dir) + "\n"; });
+	if(check->parsed())
+		return run([&] { return withNewline(Velorn::SceneCommands::check(scene_path)); });
+	if(format->parsed())
+		return run([&] { return withNewline(Velorn::SceneCommands::format(scene_path, scene_out)); });
+	if(info->parsed())
+		return run([&] { return Velorn::MeshCommands::info(mesh_path); });
+	return run([&] { return withNewline(Velorn::MeshCommands::convert(mesh_path, mesh_out)); });
 }
