@@ -4,13 +4,13 @@
 #include "reader/scene_parser_readers.h"
 #include "reader/xml_doc.h"
 #include "reader/xml_nesting.h"
+#include "support/platform.h"
 #include "scene/scene_node_background_settings.h"
 #include "support/exceptions.h"
 #include "support/file_utils.h"
 #include "support/string_utils.h"
 
 #include <cstring>
-#include <filesystem>
 #include <map>
 #include <system_error>
 #include <vector>
@@ -85,24 +85,15 @@ const unsigned max_reads_of_one_file = 16;
 // The path by which two names of one file compare equal: absolute, with
 // links and dot components resolved. A path the system cannot resolve stands
 // for itself.
-std::string canonicalPath(const std::string& path)
-{
-	std::error_code error;
-	const std::filesystem::path canonical = std::filesystem::weakly_canonical(std::filesystem::u8path(path), error);
-	return error ? path : canonical.u8string();
-}
+std::string canonicalPath(const std::string& path) { return Platform::canonicalPath(path); }
 
-// Refuses a file that TinyXML cannot read safely: what is there but is no
-// plain file (a directory, a device or a pipe would make it fail late, wait
-// or read without end), and a text that nests too deep. place ends the
-// first message.
+// Refuses what is there but is no plain file: a directory, a device or a
+// pipe would make the reading fail late, wait or read without end. place
+// ends the message.
 void checkReadable(const std::string& path, const std::string& place = "")
 {
-	std::error_code error;
-	const std::filesystem::file_status status = std::filesystem::status(std::filesystem::u8path(path), error);
-	if(std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+	if(Platform::pathExists(path) && !Platform::isRegularFile(path))
 		throw SceneParserExcep("'" + path + "' is not a file." + place);
-	XMLNestingCheck::checkFile(path);
 }
 
 const TiXmlElement& rootElementNamed(VelornXMLDoc& doc, const char* expected, const std::string& message_start)

@@ -1,5 +1,7 @@
 #include "reader/xml_doc.h"
 
+#include "reader/xml_nesting.h"
+
 #include "support/exceptions.h"
 #include "support/platform.h"
 
@@ -23,6 +25,29 @@ struct FileCloser
 	}
 };
 
+// The whole file, with its line ends made single newlines as TinyXML's own
+// file loading does.
+std::string readText(const std::string& path)
+{
+	FileCloser file{Platform::openFile(path, "rb")};
+	if(!file.file)
+		throw VelornException("Failed to open XML doc from path '" + path + "': " + Platform::lastErrorString());
+	std::string raw;
+	char buffer[1 << 16];
+	for(size_t n; (n = std::fread(buffer, 1, sizeof(buffer), file.file)) > 0;)
+		raw.append(buffer, n);
+	std::string text;
+	text.reserve(raw.size());
+	for(size_t i = 0; i < raw.size(); ++i)
+	{
+		if(raw[i] != '\r')
+			text.push_back(raw[i]);
+		else if(i + 1 >= raw.size() || raw[i + 1] != '\n')
+			text.push_back('\n');
+	}
+	return text;
+}
+
 } // namespace
 
 VelornXMLDoc::VelornXMLDoc() = default;
@@ -32,10 +57,12 @@ VelornXMLDoc::VelornXMLDoc(const std::string& path_) : path(path_)
 	// White space inside text is meaningful in scene files (CDATA keeps it
 	// on writing); TinyXML must not collapse it on reading.
 	TiXmlBase::SetCondenseWhiteSpace(false);
-	FileCloser file{Platform::openFile(path, "rb")};
-	if(!file.file)
-		throw VelornException("Failed to open XML doc from path '" + path + "': " + Platform::lastErrorString());
-	if(!doc.LoadFile(file.file))
+	std::string text = readText(path);
+	// TinyXML reads elements recursively: a text that nests too deep is
+	// refused before it can run the thread out of stack.
+	XMLNestingCheck::checkText(text, "'" + path + "'");
+	doc.Parse(text.c_str(), nullptr, TIXML_DEFAULT_ENCODING);
+	if(doc.Error())
 		throw VelornException("failed to load XML doc from path '" + path + "': " + doc.ErrorDesc() + "  (Line " +
 							  std::to_string(doc.ErrorRow()) + ", column " + std::to_string(doc.ErrorCol()) + ".)");
 }

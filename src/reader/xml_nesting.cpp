@@ -1,7 +1,6 @@
 #include "reader/xml_nesting.h"
 
 #include "support/exceptions.h"
-#include "support/platform.h"
 #include "support/string_utils.h"
 
 #include <cstdio>
@@ -120,26 +119,6 @@ void XMLNestingCheck::openElement()
 	if(++depth > max_depth)
 		throw SceneParserExcep("Elements nest more than " + toString((uint32_t)max_depth) + " levels deep in " + source +
 							   "; it is not read.");
-}
-
-void XMLNestingCheck::checkFile(const std::string& path)
-{
-	FILE* file = Platform::openFile(path, "rb");
-	if(!file)
-		return;
-	XMLNestingCheck check("'" + path + "'");
-	char buffer[1 << 16];
-	try
-	{
-		for(size_t n; (n = std::fread(buffer, 1, sizeof(buffer), file)) > 0;)
-			check.feed(buffer, n);
-	}
-	catch(...)
-	{
-		std::fclose(file);
-		throw;
-	}
-	std::fclose(file);
 }
 
 void XMLNestingCheck::checkText(const std::string& text, const std::string& source)

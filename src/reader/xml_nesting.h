@@ -9,8 +9,8 @@ namespace Velorn
 // Follows how deep the elements of an XML text nest, from its tags alone,
 // fed in pieces of any size. TinyXML reads and frees elements recursively,
 // so a text that nests them deeply enough runs the thread out of stack
-// before any check of a reader could see it: the scene parser runs its
-// texts through this first. Comments, CDATA sections, processing
+// before any check of a reader could see it: every text goes through this
+// first (VelornXMLDoc does it for files). Comments, CDATA sections, processing
 // instructions and declarations are passed over, so that a '<' in them
 // (a comparison in a shader program) opens nothing.
 class XMLNestingCheck
@@ -26,9 +26,6 @@ public:
 	// Throws SceneParserExcep at the first start tag past max_depth.
 	void feed(const char* bytes, size_t count);
 
-	// Runs the whole file at path through a check; a file that cannot be
-	// opened is left to its reader to report.
-	static void checkFile(const std::string& path);
 	static void checkText(const std::string& text, const std::string& source);
 
 private:

@@ -26,6 +26,11 @@ std::string currentWorkingDirectory();
 
 bool pathExists(const std::string& path);
 bool isDirectory(const std::string& path);
+// True for a plain file; false for a directory, a device, a pipe or nothing.
+bool isRegularFile(const std::string& path);
+// The absolute path with links and dot components resolved, by which two
+// names of one file compare equal; the path itself if it cannot be resolved.
+std::string canonicalPath(const std::string& path);
 // Makes one directory; true when it exists afterwards.
 bool makeDirectory(const std::string& path);
 

@@ -49,6 +49,22 @@ bool isDirectory(const std::string& path)
 	return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
+bool isRegularFile(const std::string& path)
+{
+	struct stat info;
+	return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+}
+
+std::string canonicalPath(const std::string& path)
+{
+	char* resolved = ::realpath(path.c_str(), nullptr);
+	if(!resolved)
+		return path;
+	const std::string canonical(resolved);
+	std::free(resolved);
+	return canonical;
+}
+
 bool makeDirectory(const std::string& path)
 {
 	if(::mkdir(path.c_str(), 0777) == 0)
