@@ -86,7 +86,7 @@ private:
 class MeshFileReader
 {
 public:
-	MeshFileReader(std::ifstream& stream, uint64_t file_size) : stream(stream), remaining(file_size) {}
+	MeshFileReader(std::istream& stream, uint64_t file_size) : stream(stream), remaining(file_size) {}
 
 	uint32_t readUInt32()
 	{
@@ -161,13 +161,13 @@ private:
 		remaining -= n;
 	}
 
-	std::ifstream& stream;
+	std::istream& stream;
 	uint64_t remaining;
 };
 
 // The size of the open file. A stream that cannot tell it (a pipe, a file
 // of the proc file system) fails here.
-uint64_t fileSize(std::ifstream& stream, const std::string& path)
+uint64_t fileSize(std::istream& stream, const std::string& path)
 {
 	stream.seekg(0, std::ios::end);
 	const std::streamoff size = stream.tellg();
@@ -222,7 +222,11 @@ void readMeshFromFile(const std::string& path, Mesh& mesh)
 	Platform::openFileStream(stream, path, std::ios::in | std::ios::binary);
 	if(!stream.is_open())
 		throw VelornException("Failed to open file '" + path + "' for reading.");
+	readMeshFromStream(stream, path, mesh);
+}
 
+void readMeshFromStream(std::istream& stream, const std::string& path, Mesh& mesh)
+{
 	MeshFileReader in(stream, fileSize(stream, path));
 	if(in.readUInt32() != MAGIC)
 		throw VelornException("Invalid magic number.");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iosfwd>
 #include <string>
 
 // The binary .vlmesh file: a header (magic, format version,
@@ -18,5 +19,8 @@ void writeMeshToFile(const std::string& path, const Mesh& mesh);
 // Not transactional: after a failure the mesh may be partly filled and
 // should be dropped.
 void readMeshFromFile(const std::string& path, Mesh& mesh);
+// Reads a mesh file's bytes from a seekable stream, as readMeshFromFile
+// does; path names the source in messages.
+void readMeshFromStream(std::istream& stream, const std::string& path, Mesh& mesh);
 
 } // namespace Velorn

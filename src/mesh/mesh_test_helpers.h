@@ -11,19 +11,33 @@
 namespace VelornTest
 {
 
-// Runs f and expects a VelornException with exactly this message.
-template <class F>
-void expectVelornError(F&& f, const std::string& message)
+// Runs f and expects an exception of type E with exactly this message.
+template <class E, class F>
+void expectFailure(F&& f, const std::string& message)
 {
 	try
 	{
 		f();
 		ADD_FAILURE() << "expected the failure \"" << message << "\", got none";
 	}
-	catch(const Velorn::VelornException& e)
+	catch(const E& e)
 	{
 		EXPECT_EQ(e.what(), message);
 	}
+}
+
+// Runs f and expects a VelornException with exactly this message.
+template <class F>
+void expectVelornError(F&& f, const std::string& message)
+{
+	expectFailure<Velorn::VelornException>(f, message);
+}
+
+// Runs f and expects a ModelFormatDecoderExcep with exactly this message.
+template <class F>
+void expectDecoderError(F&& f, const std::string& message)
+{
+	expectFailure<Velorn::ModelFormatDecoderExcep>(f, message);
 }
 
 // Lays out little-endian words, floats and length-prefixed strings by hand,

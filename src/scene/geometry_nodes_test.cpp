@@ -459,3 +459,31 @@ TEST(BackgroundSettings, CloneKeepsBaseFieldsOnlyAndEqualityIsUnfinished)
 	EXPECT_FALSE(background->doIsEqual(*copy));
 	EXPECT_EQ(testing::internal::GetCapturedStdout(), "TODO: IMPLEMENT SceneNodeBackgroundSettings::doIsEqual()");
 }
+
+// Load picks the model decoder by the file's extension and hands it the
+// node's scale; a decoder's failure reaches the caller as a parser failure.
+TEST(MeshNode, LoadDecodesModelFilesByExtension)
+{
+	VelornTest::TempDir dir;
+	VelornTest::writeFile(dir.file("tri.obj"), "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+	VelornTest::writeFile(dir.file("bad.obj"), "v 0 0 0\nf 1 1\n");
+	VelornTest::writeFile(dir.file("tri.stl"), "solid\n");
+	const auto load = [&](const char* path, double scale) {
+		Reference<SceneNodeMesh> mesh = new SceneNodeMesh();
+		mesh->path = path;
+		mesh->scale = scale;
+		VisitOperation op(VisitOperation::Load, String(dir.file("scene.vls")), String(dir.path()));
+		mesh->doVisit(op);
+		return mesh;
+	};
+
+	const Reference<SceneNodeMesh> loaded = load("tri.obj", 2.5);
+	ASSERT_TRUE(loaded->mesh.nonNull());
+	EXPECT_EQ(loaded->mesh->verts[1], (Vec3f{2.5f, 0, 0}));
+	EXPECT_EQ(loaded->mesh->triangles.size(), 1u);
+	EXPECT_EQ(loaded->mesh->used_materials, Vector<String>{"default"});
+
+	EXPECT_EQ(failureOf([&] { load("bad.obj", 1); }),
+		"SceneParserExcep: CSModelLoaderExcep: Invalid number of vertices in face: 2 (line 2)");
+	EXPECT_EQ(failureOf([&] { load("tri.stl", 1); }), "SceneParserExcep: CSModelLoaderExcep: key 'stl' not found");
+}

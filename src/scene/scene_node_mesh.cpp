@@ -1,6 +1,7 @@
 #include "scene/scene_node_mesh.h"
 
 #include "mesh/mesh_file.h"
+#include "mesh/model_decoder.h"
 #include "scene/xml_write.h"
 #include "support/exceptions.h"
 #include "support/file_utils.h"
@@ -83,9 +84,9 @@ void SceneNodeMesh::doVisit(VisitOperation& op)
 			Reference<Mesh> loaded(new Mesh());
 			try
 			{
-				readMeshFromFile(FileUtils::join(op.scene_dir.str(), path.str()), *loaded);
+				loadModel(FileUtils::join(op.scene_dir.str(), path.str()), *loaded, (float)scale);
 			}
-			catch(const VelornException& e)
+			catch(const ModelFormatDecoderExcep& e)
 			{
 				throw SceneParserExcep("CSModelLoaderExcep: " + e.what());
 			}
