@@ -4,6 +4,7 @@
 #include "mesh/mesh.h"
 #include "mesh/mesh_file.h"
 #include "support/exceptions.h"
+#include "support/failures.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
@@ -15,18 +16,6 @@ using namespace Velorn;
 namespace
 {
 
-std::string failureOf(const std::function<void()>& f)
-{
-	try
-	{
-		f();
-	}
-	catch(const MessageException& e)
-	{
-		return e.what();
-	}
-	return "(no failure)";
-}
 
 // The scene text without its renderer_settings element.
 std::string withoutSettings(const std::string& text)
@@ -58,7 +47,7 @@ TEST(SceneCommands, CheckCountsNodesAndFormatRewritesTheSameScene)
 	EXPECT_EQ(VelornTest::readFile(path), formatted);
 
 	VelornTest::writeFile(dir.file("bad.vls"), "<scene>\n\t<camera>\n\t\t<aperture_radius>0</aperture_radius>\n\t</camera>\n</scene>\n");
-	EXPECT_EQ(failureOf([&] { SceneCommands::check(dir.file("bad.vls")); }),
+	EXPECT_EQ(VelornTest::failureOf([&] { SceneCommands::check(dir.file("bad.vls")); }),
 		"Aperture_radius must be greater than zero (e.g. 0.001)  (In element 'camera', around line 2, column 5)");
 }
 
@@ -82,7 +71,7 @@ TEST(MeshCommands, InfoDescribesAndConvertWritesVlmesh)
 	EXPECT_EQ(converted.quads.size(), 1u);
 	EXPECT_EQ(MeshCommands::info(dir.file("quad.vlmesh")), info);
 
-	EXPECT_EQ(failureOf([&] { MeshCommands::convert(dir.file("quad.obj"), dir.file("quad.bin")); }),
+	EXPECT_EQ(VelornTest::failureOf([&] { MeshCommands::convert(dir.file("quad.obj"), dir.file("quad.bin")); }),
 		"The output file must end in .vlmesh: '" + dir.file("quad.bin") + "'");
-	EXPECT_EQ(failureOf([&] { MeshCommands::info(dir.file("x.stl")); }), "key 'stl' not found");
+	EXPECT_EQ(VelornTest::failureOf([&] { MeshCommands::info(dir.file("x.stl")); }), "key 'stl' not found");
 }

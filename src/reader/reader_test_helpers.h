@@ -4,6 +4,7 @@
 // message of a failure.
 
 #include "support/exceptions.h"
+#include "support/failures.h"
 
 #include <gtest/gtest.h>
 #include <tinyxml.h>
@@ -30,20 +31,5 @@ public:
 private:
 	TiXmlDocument doc;
 };
-
-// The message of the Excep that f throws, or "(no failure)".
-template <class Excep, class Function>
-std::string failureOf(Function f)
-{
-	try
-	{
-		f();
-	}
-	catch(const Excep& e)
-	{
-		return e.what();
-	}
-	return "(no failure)";
-}
 
 } // namespace VelornTest

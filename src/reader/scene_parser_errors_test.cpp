@@ -10,7 +10,7 @@
 #include <vector>
 
 using namespace Velorn;
-using VelornTest::failureOf;
+using VelornTest::classAndFailureOf;
 using VelornTest::parseNode;
 using VelornTest::place;
 
@@ -29,7 +29,7 @@ void expectFailures(const std::vector<FailureCase>& cases)
 	for(const FailureCase& c : cases)
 	{
 		SCOPED_TRACE(c.what);
-		EXPECT_EQ(failureOf([&] { parseNode(c.xml); }), "SceneParserExcep: " + c.message);
+		EXPECT_EQ(classAndFailureOf([&] { parseNode(c.xml); }), "SceneParserExcep: " + c.message);
 	}
 }
 

@@ -14,7 +14,7 @@
 #include <filesystem>
 
 using namespace Velorn;
-using VelornTest::failureOf;
+using VelornTest::classAndFailureOf;
 using VelornTest::place;
 using VelornTest::putFile;
 using VelornTest::sceneDataText;
@@ -55,7 +55,7 @@ Reference<SceneNodeRoot> parseScene(const TempDir& dir, const std::string& child
 
 std::string failureOfScene(const TempDir& dir, const std::string& children)
 {
-	return failureOf([&] { parseScene(dir, children); });
+	return classAndFailureOf([&] { parseScene(dir, children); });
 }
 
 std::vector<uint32_t> childUIDs(const SceneNode& root)
@@ -90,7 +90,7 @@ TEST(SceneParserFile, RootAndTopLevelElements)
 {
 	TempDir dir;
 	SceneParser parser;
-	EXPECT_EQ(failureOf([&] { parser.parseFile(putFile(dir, "lib.vlm", sceneDataText("")), ""); }),
+	EXPECT_EQ(classAndFailureOf([&] { parser.parseFile(putFile(dir, "lib.vlm", sceneDataText("")), ""); }),
 		"SceneParserExcep: Invalid root element 'scenedata'");
 	EXPECT_EQ(failureOfScene(dir, "<lights/>\n"), "SceneParserExcep: Unknown element type: lights" + place("lights", 2, 1));
 }
@@ -242,7 +242,7 @@ TEST(SceneParserSettings, OverrideMergesAndWins)
 
 	// The override is read inside the wrapping text, so its places count
 	// from the start of that text.
-	EXPECT_EQ(failureOf([&] { parseScene(dir, "", "<width>1</wid>"); }),
+	EXPECT_EQ(classAndFailureOf([&] { parseScene(dir, "", "<width>1</wid>"); }),
 		"SceneParserExcep: Error while parsing XML: 'Error reading end tag.'  (Line 1, column 74.)");
 }
 
@@ -299,13 +299,13 @@ TEST(SceneParserSettings, SettingsTextAndFile)
 			"Failed to parse integer from 'x'." + place("width", 1, 28)},
 	};
 	for(const auto& failure : failures)
-		EXPECT_EQ(failureOf([&] { parser.parseSettingsText(failure.text); }), "SceneParserExcep: " + failure.message);
+		EXPECT_EQ(classAndFailureOf([&] { parser.parseSettingsText(failure.text); }), "SceneParserExcep: " + failure.message);
 
 	TempDir dir;
 	putFile(dir, "inifile.xml", "<config>\n<renderer_settings><width>320</width></renderer_settings>\n</config>\n");
 	EXPECT_EQ(parser.parseSettingsFile(dir.path())->getInt("width"), 320);
 	putFile(dir, "inifile.xml", "<config>\n</config>\n");
-	EXPECT_EQ(failureOf([&] { parser.parseSettingsFile(dir.path()); }),
+	EXPECT_EQ(classAndFailureOf([&] { parser.parseSettingsFile(dir.path()); }),
 		"SceneParserExcep: Failed to find expected element 'renderer_settings'." + place("config", 1, 1));
 }
 
@@ -319,8 +319,8 @@ TEST(SceneParserDataFile, NodesInOrderWithoutIncludes)
 	EXPECT_EQ(nodes[0]->getName(), String("Red"));
 	EXPECT_EQ(nodes[1]->uid.value(), 8u);
 
-	EXPECT_EQ(failureOf([&] { parser.parseSceneDataFile(putFile(dir, "s.vls", sceneText(""))); }),
+	EXPECT_EQ(classAndFailureOf([&] { parser.parseSceneDataFile(putFile(dir, "s.vls", sceneText(""))); }),
 		"SceneParserExcep: Unknown root element 'scene'");
-	EXPECT_EQ(failureOf([&] { parser.parseSceneDataFile(putFile(dir, "i.vlm", sceneDataText(include("lib.vlm")))); }),
+	EXPECT_EQ(classAndFailureOf([&] { parser.parseSceneDataFile(putFile(dir, "i.vlm", sceneDataText(include("lib.vlm")))); }),
 		"SceneParserExcep: Unknown element type: include" + place("include", 2, 1));
 }

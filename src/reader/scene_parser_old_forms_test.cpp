@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 using namespace Velorn;
-using VelornTest::failureOf;
+using VelornTest::classAndFailureOf;
 using VelornTest::parseNode;
 using VelornTest::place;
 using VelornTest::putFile;
@@ -72,7 +72,7 @@ TEST(SceneParserOldForms, ExitPortal)
 	ASSERT_EQ(model.materials.size(), 1u);
 	EXPECT_EQ(model.materials[0].getPointer(), &material);
 
-	EXPECT_EQ(failureOf([&] { parseScene(dir, "<exit_portal><mesh_name>Door</mesh_name></exit_portal>\n"); }),
+	EXPECT_EQ(classAndFailureOf([&] { parseScene(dir, "<exit_portal><mesh_name>Door</mesh_name></exit_portal>\n"); }),
 		"SceneParserExcep: Model tried to use undefined mesh 'Door'" + place("exit_portal", 2, 1));
 
 	// Once an old model has loaded the mesh, every slot it refers to.
@@ -122,7 +122,7 @@ TEST(SceneParserOldForms, RectangleLights)
 TEST(SceneParserOldForms, MeshLights)
 {
 	TempDir dir;
-	EXPECT_EQ(failureOf([&] {
+	EXPECT_EQ(classAndFailureOf([&] {
 		parseScene(dir, std::string(external_box) +
 							"<meshlight><mesh_name>Box</mesh_name><pos>0 0 0</pos><spectrum><uniform><value>1</value></uniform>"
 							"</spectrum></meshlight>\n");
@@ -179,7 +179,7 @@ TEST(SceneParserOldForms, ModelTakesMaterialsByTheMeshsNames)
 	EXPECT_EQ(read.materials[0], root->getChildren()[1]);
 	EXPECT_EQ(read.materials[1], root->getChildren()[0]);
 
-	EXPECT_EQ(failureOf([&] { parseScene(dir, "<material><name>Red</name><diffuse></diffuse></material>\n" +
+	EXPECT_EQ(classAndFailureOf([&] { parseScene(dir, "<material><name>Red</name><diffuse></diffuse></material>\n" +
 											   std::string(external_box) + model); }),
 		"SceneParserExcep: Error while binding material 'Blue' to geometry 'Box': Material 'Blue' is not defined. " +
 			place("model", 4, 1));

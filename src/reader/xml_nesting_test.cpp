@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 using namespace Velorn;
-using VelornTest::failureOf;
+using VelornTest::classAndFailureOf;
 
 namespace
 {
@@ -24,13 +24,13 @@ const std::string too_deep = "SceneParserExcep: Elements nest more than 256 leve
 
 std::string checkInOnePiece(const std::string& text)
 {
-	return failureOf([&] { XMLNestingCheck::checkText(text, "the text"); });
+	return classAndFailureOf([&] { XMLNestingCheck::checkText(text, "the text"); });
 }
 
 // The same text fed one byte at a time, so that every construct is cut.
 std::string checkByteByByte(const std::string& text)
 {
-	return failureOf([&] {
+	return classAndFailureOf([&] {
 		XMLNestingCheck check("the text");
 		for(char c : text)
 			check.feed(&c, 1);
@@ -76,8 +76,8 @@ TEST(XMLNesting, ParserRefusesDeepTextsBeforeTinyXMLReadsThem)
 	VelornTest::TempDir dir;
 	const std::string path = VelornTest::putFile(dir, "deep.vls", "<scene>" + nested(100000) + "</scene>");
 	SceneParser parser;
-	EXPECT_EQ(failureOf([&] { parser.parseFile(path, ""); }),
+	EXPECT_EQ(classAndFailureOf([&] { parser.parseFile(path, ""); }),
 		"SceneParserExcep: Elements nest more than 256 levels deep in '" + path + "'; it is not read.");
-	EXPECT_EQ(failureOf([&] { parser.parseSettingsText(nested(100000)); }),
+	EXPECT_EQ(classAndFailureOf([&] { parser.parseSettingsText(nested(100000)); }),
 		"SceneParserExcep: Elements nest more than 256 levels deep in the settings text; it is not read.");
 }

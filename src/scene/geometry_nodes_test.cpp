@@ -19,7 +19,7 @@
 #include <vector>
 
 using namespace Velorn;
-using VelornTest::failureOf;
+using VelornTest::classAndFailureOf;
 using VelornTest::materialNode;
 using VelornTest::texturedNode;
 using VelornTest::valuesOf;
@@ -130,8 +130,8 @@ TEST(MeshNode, WithoutAMeshItFailsInsteadOfNamingAFile)
 	mesh->setName("Empty");
 	VisitOperation computed(VisitOperation::GetDependencies, "/s/a.vls", "/s");
 	computed.use_stored_paths = false;
-	EXPECT_EQ(failureOf([&] { mesh->doVisit(computed); }), "VelornException: Mesh node 'Empty' has no mesh to name its file by.");
-	EXPECT_EQ(failureOf([&] { mesh->toXMLString(); }), "VelornException: Mesh node 'Empty' has no mesh to name its file by.");
+	EXPECT_EQ(classAndFailureOf([&] { mesh->doVisit(computed); }), "VelornException: Mesh node 'Empty' has no mesh to name its file by.");
+	EXPECT_EQ(classAndFailureOf([&] { mesh->toXMLString(); }), "VelornException: Mesh node 'Empty' has no mesh to name its file by.");
 }
 
 TEST(MeshNode, OffsetShiftsOnlyAValidUID)
@@ -194,13 +194,13 @@ TEST(MeshNode, FinaliseLoadsTheMeshFileBesideTheScene)
 	EXPECT_EQ(loaded.mesh->mesh.getPointer(), kept);
 
 	Scene short_of_materials = scene("meshes/square.vlmesh", {UID(3)});
-	EXPECT_EQ(failureOf([&] { short_of_materials.root->finalise(scene_path); }),
+	EXPECT_EQ(classAndFailureOf([&] { short_of_materials.root->finalise(scene_path); }),
 		"VelornException: Model (UID 20, name 'Model') has a different number of materials assigned than the geometry "
 		"references.\nnum materials assigned: 1, geometry num materials referenced: 2.  SDK Users: make sure you call "
 		"endOfModel() on VelornMesh objects");
 
 	Scene missing = scene("meshes/missing.vlmesh", {UID(3), UID(4)});
-	EXPECT_EQ(failureOf([&] { missing.root->finalise(scene_path); }),
+	EXPECT_EQ(classAndFailureOf([&] { missing.root->finalise(scene_path); }),
 		"SceneParserExcep: CSModelLoaderExcep: Failed to open file '" + dir.path() + "/meshes/missing.vlmesh' for reading.");
 	EXPECT_TRUE(missing.mesh->mesh.isNull());
 }
@@ -229,7 +229,7 @@ TEST(Sphere, BindsItsMaterialByUID)
 		Reference<SceneNodeSphere> sphere = scene.add<SceneNodeSphere>(20, "Ball");
 		sphere->material_uid = UID(40);
 		c.change(*sphere);
-		EXPECT_EQ(failureOf([&] { visitNode(*sphere, VisitOperation::Bind); }), c.failure);
+		EXPECT_EQ(classAndFailureOf([&] { visitNode(*sphere, VisitOperation::Bind); }), c.failure);
 		if(c.bound_uid)
 		{
 			ASSERT_TRUE(sphere->material.nonNull());
@@ -242,7 +242,7 @@ TEST(Sphere, BindsItsMaterialByUID)
 	// The node's own words when it has no root to look in.
 	SceneNodeSphere detached;
 	detached.material_uid = UID(4);
-	EXPECT_EQ(failureOf([&] { visitNode(detached, VisitOperation::Bind); }),
+	EXPECT_EQ(classAndFailureOf([&] { visitNode(detached, VisitOperation::Bind); }),
 		"VelornException: While binding sphere material: root node was NULL");
 }
 
@@ -354,7 +354,7 @@ TEST(Scatter, BindingFindsGeometryAndMaterials)
 		scatter->geometry_uid = UID(7);
 		scatter->material_uids = {UID(4), UID(3)};
 		c.change(*scatter);
-		EXPECT_EQ(failureOf([&] { visitNode(*scatter, VisitOperation::Bind); }), c.failure);
+		EXPECT_EQ(classAndFailureOf([&] { visitNode(*scatter, VisitOperation::Bind); }), c.failure);
 		if(c.failure == "(no failure)")
 		{
 			EXPECT_EQ(scatter->geometry.getPointer(), scene.node(scatter->geometry_uid.value()));
@@ -377,7 +377,7 @@ TEST(Scatter, BindingFindsGeometryAndMaterials)
 	EXPECT_EQ(scatter->materials[0]->uid, UID(9));
 
 	SceneNodeScatter detached;
-	EXPECT_EQ(failureOf([&] { visitNode(detached, VisitOperation::Bind); }),
+	EXPECT_EQ(classAndFailureOf([&] { visitNode(detached, VisitOperation::Bind); }),
 		"VelornException: While binding scatter geometry: root node was NULL");
 }
 
@@ -483,7 +483,7 @@ TEST(MeshNode, LoadDecodesModelFilesByExtension)
 	EXPECT_EQ(loaded->mesh->triangles.size(), 1u);
 	EXPECT_EQ(loaded->mesh->used_materials, Vector<String>{"default"});
 
-	EXPECT_EQ(failureOf([&] { load("bad.obj", 1); }),
+	EXPECT_EQ(classAndFailureOf([&] { load("bad.obj", 1); }),
 		"SceneParserExcep: CSModelLoaderExcep: Invalid number of vertices in face: 2 (line 2)");
-	EXPECT_EQ(failureOf([&] { load("tri.stl", 1); }), "SceneParserExcep: CSModelLoaderExcep: key 'stl' not found");
+	EXPECT_EQ(classAndFailureOf([&] { load("tri.stl", 1); }), "SceneParserExcep: CSModelLoaderExcep: key 'stl' not found");
 }

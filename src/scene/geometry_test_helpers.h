@@ -108,7 +108,7 @@ inline std::vector<uint32_t> valuesOf(const Velorn::Vector<Velorn::UID>& uids)
 
 // "SceneParserExcep: " or "VelornException: " and the message of what f
 // throws; "(no failure)" when it throws nothing.
-inline std::string failureOf(const std::function<void()>& f)
+inline std::string classAndFailureOf(const std::function<void()>& f)
 {
 	try
 	{

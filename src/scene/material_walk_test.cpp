@@ -3,6 +3,7 @@
 #include "scene/materials_composite.h"
 #include "scene/materials_glass.h"
 #include "support/exceptions.h"
+#include "support/failures.h"
 
 #include <gtest/gtest.h>
 
@@ -85,26 +86,13 @@ struct TargetHolders
 	Reference<DiffuseTransmitter> transmitter;
 };
 
-std::string failureOf(const std::function<void()>& f)
-{
-	try
-	{
-		f();
-	}
-	catch(const VelornException& e)
-	{
-		return e.what();
-	}
-	return "(no failure)";
-}
-
 std::string bindFailure(Material* material, const Vector<UID>& scatter_uids = Vector<UID>())
 {
 	SceneBuilder scene;
 	addTargets(scene);
 	scene.add(material, "Grass", 1);
 	scene.node(1)->scatter_uids = scatter_uids;
-	return failureOf([&] { scene.walk(VisitOperation::Bind); });
+	return VelornTest::failureOf<VelornException>([&] { scene.walk(VisitOperation::Bind); });
 }
 
 std::vector<std::string> pathsOf(const VisitOperation& op)
@@ -202,7 +190,7 @@ TEST(MaterialBinding, FailuresSayWhatWasWrong)
 			[] {
 				Reference<SceneNodeMaterial> node = VelornTest::materialNode(inMedium<SpecularMaterial>(3), "Loose", 1);
 				VisitOperation bind(VisitOperation::Bind, "", "");
-				return failureOf([&] { node->doVisit(bind); });
+				return VelornTest::failureOf<VelornException>([&] { node->doVisit(bind); });
 			},
 			"Could not find root node in SpecularMaterial::doVisit()."},
 		{"missing scatter", [] { return bindFailure(new DiffuseMaterial(), {UID(40)}); },
@@ -214,7 +202,7 @@ TEST(MaterialBinding, FailuresSayWhatWasWrong)
 				Reference<SceneNodeMaterial> node = VelornTest::materialNode(new DiffuseMaterial(), "Loose", 1);
 				node->scatter_uids.push_back(UID(40));
 				VisitOperation bind(VisitOperation::Bind, "", "");
-				return failureOf([&] { node->doVisit(bind); });
+				return VelornTest::failureOf<VelornException>([&] { node->doVisit(bind); });
 			},
 			"While binding scatter node: root node was NULL"},
 	};
@@ -358,5 +346,5 @@ TEST(MaterialPaths, AMissingMappingFailsWithThePath)
 	material->textures = {textureAt("t0.png")};
 	Reference<SceneNodeMaterial> node = VelornTest::materialNode(material.getPointer(), "Walked", 1);
 	VisitOperation update(VisitOperation::UpdatePaths, "", "");
-	EXPECT_EQ(failureOf([&] { node->doVisit(update); }), "While updating dependencies: Missing mapping for old path 't0.png'.");
+	EXPECT_EQ(VelornTest::failureOf<VelornException>([&] { node->doVisit(update); }), "While updating dependencies: Missing mapping for old path 't0.png'.");
 }

@@ -13,7 +13,7 @@
 #include <vector>
 
 using namespace Velorn;
-using VelornTest::failureOf;
+using VelornTest::classAndFailureOf;
 using VelornTest::materialNode;
 using VelornTest::valuesOf;
 using VelornTest::visitNode;
@@ -198,7 +198,7 @@ TEST(ModelBinding, EveryFailureHasItsMessage)
 		SCOPED_TRACE(c.what);
 		LampScene scene;
 		c.change(scene);
-		EXPECT_EQ(failureOf([&] { scene.bind(); }), c.message);
+		EXPECT_EQ(classAndFailureOf([&] { scene.bind(); }), c.message);
 	}
 }
 
@@ -328,13 +328,13 @@ TEST(ModelWalks, UpdatePathsReplacesOnlyTheIESPaths)
 
 	a->path = "a.ies";
 	b->path = "c.ies";
-	EXPECT_EQ(failureOf([&] { scene.model->doVisit(update); }),
+	EXPECT_EQ(classAndFailureOf([&] { scene.model->doVisit(update); }),
 		velorn("While updating dependencies: Missing mapping for old path 'c.ies'."));
 
 	update.path_map.insert("meshes/rock.vlmesh", "copy/rock.vlmesh");
 	scene.mesh->doVisit(update);
 	EXPECT_EQ(scene.mesh->path, String("copy/rock.vlmesh"));
-	EXPECT_EQ(failureOf([&] { scene.mesh->doVisit(update); }),
+	EXPECT_EQ(classAndFailureOf([&] { scene.mesh->doVisit(update); }),
 		velorn("While updating dependencies: Missing mapping for old path 'copy/rock.vlmesh'."));
 }
 

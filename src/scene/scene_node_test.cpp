@@ -4,6 +4,7 @@
 #include "scene/scene_node_root.h"
 #include "scene/xml_write.h"
 #include "support/exceptions.h"
+#include "support/failures.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
@@ -55,18 +56,6 @@ Reference<TestNode> node(unsigned type, const char* name = "node", uint32_t uid 
 	return Reference<TestNode>(new TestNode(type, name, uid));
 }
 
-std::string failureOf(const std::function<void()>& f)
-{
-	try
-	{
-		f();
-	}
-	catch(const MessageException& e)
-	{
-		return e.what();
-	}
-	return "(no failure)";
-}
 
 class CountingListener : public ProgressListener
 {
@@ -131,9 +120,9 @@ TEST(SceneNode, LookupsAndRemoval)
 	EXPECT_EQ(root->findChild(UID(99)), nullptr);
 	EXPECT_EQ(root->findMaterial(UID(7)), material.getPointer());
 	EXPECT_EQ(root->findMedium(UID(8)), medium.getPointer());
-	EXPECT_EQ(failureOf([&] { root->findMaterial(UID(9)); }), "Failed to find node with UID 9");
-	EXPECT_EQ(failureOf([&] { root->findMaterial(UID(8)); }), "Node with UID 8 was not a material node.");
-	EXPECT_EQ(failureOf([&] { root->findMedium(UID(7)); }), "Node with UID 7 was not a medium node.");
+	EXPECT_EQ(VelornTest::failureOf([&] { root->findMaterial(UID(9)); }), "Failed to find node with UID 9");
+	EXPECT_EQ(VelornTest::failureOf([&] { root->findMaterial(UID(8)); }), "Node with UID 8 was not a material node.");
+	EXPECT_EQ(VelornTest::failureOf([&] { root->findMedium(UID(7)); }), "Node with UID 7 was not a medium node.");
 
 	root->removeChildNode(material);
 	EXPECT_EQ(root->getChildren().size(), 1u);
@@ -165,7 +154,7 @@ TEST(SceneNode, ValidateMessagesInTheirOrder)
 		Reference<SceneNodeRoot> root(new SceneNodeRoot());
 		for(unsigned type : c.types)
 			root->addChildNode(node(type));
-		EXPECT_EQ(failureOf([&] { root->validate(); }), c.message);
+		EXPECT_EQ(VelornTest::failureOf([&] { root->validate(); }), c.message);
 	}
 
 	// Duplicate UIDs are found first, before any count.
@@ -173,7 +162,7 @@ TEST(SceneNode, ValidateMessagesInTheirOrder)
 	root->addChildNode(node(1, "cam a", 4));
 	root->addChildNode(node(1, "cam b"));
 	root->addChildNode(node(3, "second", 4));
-	EXPECT_EQ(failureOf([&] { root->validate(); }), "Two nodes sharing the same UID 4:\ncam a, second");
+	EXPECT_EQ(VelornTest::failureOf([&] { root->validate(); }), "Two nodes sharing the same UID 4:\ncam a, second");
 
 	// Only direct children are looked at.
 	Reference<SceneNodeRoot> nested(new SceneNodeRoot());
@@ -181,7 +170,7 @@ TEST(SceneNode, ValidateMessagesInTheirOrder)
 	nested->addChildNode(parent);
 	parent->addChildNode(node(3, "twin a", 3));
 	parent->addChildNode(node(3, "twin b", 3));
-	EXPECT_EQ(failureOf([&] { nested->validate(); }), "(no failure)");
+	EXPECT_EQ(VelornTest::failureOf([&] { nested->validate(); }), "(no failure)");
 }
 
 TEST(SceneNode, FindNodesByNameStopsAfterTheSubtreeThatReaches64)
@@ -315,7 +304,7 @@ TEST(SceneNodeRoot, WritesFilesAndReportsProgress)
 		"<scene>\n\t<test>\n\t\t<uid>1</uid>\n\t\t<name>a</name>\n\t</test>\n\n"
 		"\t<test>\n\t\t<uid>2</uid>\n\t\t<name>b</name>\n\t</test>\n</scene>\n");
 
-	EXPECT_EQ(failureOf([&] { root->writeToFile(dir.file("missing/dir/x.vls"), false, nullptr); }),
+	EXPECT_EQ(VelornTest::failureOf([&] { root->writeToFile(dir.file("missing/dir/x.vls"), false, nullptr); }),
 		"Failed to open file '" + dir.file("missing/dir/x.vls") + "' for writing.");
 }
 

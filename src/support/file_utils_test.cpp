@@ -2,6 +2,7 @@
 #include "support/file_utils.h"
 #include "support/mem_mapped_file.h"
 #include "support/platform_utils.h"
+#include "support/failures.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
@@ -9,27 +10,8 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
-#include <functional>
 
 using namespace Velorn;
-
-namespace
-{
-
-std::string failureOf(const std::function<void()>& f)
-{
-	try
-	{
-		f();
-	}
-	catch(const MessageException& e)
-	{
-		return e.what();
-	}
-	return "(no failure)";
-}
-
-} // namespace
 
 TEST(FileUtils, PathsJoinAndSplit)
 {
@@ -70,20 +52,20 @@ TEST(FileUtils, WholeFilesAndDirectories)
 	EXPECT_FALSE(FileUtils::fileExists(dir.file("deep/er")));
 
 	const std::string missing = dir.file("missing");
-	EXPECT_EQ(failureOf([&] { FileUtils::getFilesInDir(missing); }), "Failed to open dir '" + missing + "'");
-	EXPECT_EQ(failureOf([&] {
+	EXPECT_EQ(VelornTest::failureOf([&] { FileUtils::getFilesInDir(missing); }), "Failed to open dir '" + missing + "'");
+	EXPECT_EQ(VelornTest::failureOf([&] {
 		std::string out;
 		FileUtils::readEntireFile(missing, out);
 	}),
 		"could not open '" + missing + "' for reading.");
-	EXPECT_EQ(failureOf([&] { FileUtils::writeEntireFile(dir.file("missing/x"), std::string("x")); }),
+	EXPECT_EQ(VelornTest::failureOf([&] { FileUtils::writeEntireFile(dir.file("missing/x"), std::string("x")); }),
 		"Could not open '" + dir.file("missing/x") + "' for writing.");
-	EXPECT_EQ(failureOf([&] { FileUtils::copyFile(missing, b); }), "Failed to copy file '" + missing + "' to '" + b + "'");
-	EXPECT_EQ(failureOf([&] { FileUtils::moveFile(missing, b); }), "Failed to move file '" + missing + "' to '" + b + "'");
-	EXPECT_EQ(failureOf([&] { FileUtils::deleteFile(missing); }), "Failed to delete file '" + missing + "'");
-	EXPECT_EQ(failureOf([&] { FileUtils::deleteEmptyDirectory(dir.file("deep")); }),
+	EXPECT_EQ(VelornTest::failureOf([&] { FileUtils::copyFile(missing, b); }), "Failed to copy file '" + missing + "' to '" + b + "'");
+	EXPECT_EQ(VelornTest::failureOf([&] { FileUtils::moveFile(missing, b); }), "Failed to move file '" + missing + "' to '" + b + "'");
+	EXPECT_EQ(VelornTest::failureOf([&] { FileUtils::deleteFile(missing); }), "Failed to delete file '" + missing + "'");
+	EXPECT_EQ(VelornTest::failureOf([&] { FileUtils::deleteEmptyDirectory(dir.file("deep")); }),
 		"Failed to delete directory '" + dir.file("deep") + "'");
-	EXPECT_EQ(failureOf([&] { FileUtils::getFileSize(missing); }).rfind("CreateFile failed: ", 0), 0u);
+	EXPECT_EQ(VelornTest::failureOf([&] { FileUtils::getFileSize(missing); }).rfind("CreateFile failed: ", 0), 0u);
 }
 
 TEST(MemMappedFile, MapsWholeFilesAndRefusesWhatItCannot)
@@ -102,11 +84,11 @@ TEST(MemMappedFile, MapsWholeFilesAndRefusesWhatItCannot)
 	EXPECT_EQ(empty.fileData(), nullptr);
 
 	const std::string missing = dir.file("missing");
-	EXPECT_EQ(failureOf([&] { MemMappedFile m(missing); }).rfind("CreateFile failed for path '" + missing + "': ", 0), 0u);
+	EXPECT_EQ(VelornTest::failureOf([&] { MemMappedFile m(missing); }).rfind("CreateFile failed for path '" + missing + "': ", 0), 0u);
 
 	// A sparse file of 4 GiB takes no room on disk.
 	std::filesystem::resize_file(dir.file("empty"), (uintmax_t)1 << 32);
-	EXPECT_EQ(failureOf([&] { MemMappedFile m(dir.file("empty")); }), "File is too large.");
+	EXPECT_EQ(VelornTest::failureOf([&] { MemMappedFile m(dir.file("empty")); }), "File is too large.");
 }
 
 TEST(PlatformUtils, SystemFacts)
@@ -122,6 +104,6 @@ TEST(PlatformUtils, SystemFacts)
 	EXPECT_FALSE(PlatformUtils::getTempDirPath().empty());
 	EXPECT_NE(PlatformUtils::getFullPathToLib().find("support_tests"), std::string::npos);
 	EXPECT_EQ(PlatformUtils::getEnvironmentVariable("PATH").empty(), false);
-	EXPECT_EQ(failureOf([] { PlatformUtils::getEnvironmentVariable("VELORN_SURELY_NOT_SET"); }),
+	EXPECT_EQ(VelornTest::failureOf([] { PlatformUtils::getEnvironmentVariable("VELORN_SURELY_NOT_SET"); }),
 		"getEnvironmentVariable failed: No such file or directory (error code=2)");
 }
