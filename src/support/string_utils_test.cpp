@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 
@@ -30,10 +31,12 @@ std::string failureOf(void (*f)(const std::string&), const std::string& s)
 
 TEST(StringUtils, TextToNumbersIgnoresTheLocale)
 {
-	// A locale with a decimal comma must change nothing.
+	// A locale with a decimal comma must change nothing. The C library's
+	// own reading shows that the locale is in force.
 	const char* old = std::setlocale(LC_ALL, nullptr);
 	const std::string saved = old ? old : "C";
-	std::setlocale(LC_ALL, "de_DE.UTF-8");
+	ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr) << "scripts/install-deps makes this locale";
+	EXPECT_EQ(std::strtod("1,5", nullptr), 1.5);
 	EXPECT_EQ(stringToDouble("1.5"), 1.5);
 	EXPECT_EQ(stringToFloat("1.5"), 1.5f);
 	EXPECT_EQ(sceneNumberText(1.5), "1.5");
