@@ -1,0 +1,30 @@
+#include "c4d/ge_data.h"
+
+#include "c4d/base_container.h"
+
+GeData::GeData(const BaseContainer& v) : value(std::make_shared<const BaseContainer>(v))
+{
+}
+
+int32_t GeData::GetType() const
+{
+	// In the order of the alternatives of value.
+	static const int32_t types[] = {DA_NIL, DA_LONG, DA_REAL, DA_VECTOR, DA_STRING, DA_FILENAME, DA_TIME, DA_CONTAINER, DA_ALIASLINK};
+	static_assert(sizeof(types) / sizeof(types[0]) == std::variant_size_v<decltype(value)>);
+	return types[value.index()];
+}
+
+const BaseContainer* GeData::GetContainer() const
+{
+	const auto* stored = std::get_if<std::shared_ptr<const BaseContainer>>(&value);
+	return stored ? stored->get() : nullptr;
+}
+
+bool GeData::operator==(const GeData& o) const
+{
+	const BaseContainer* container = GetContainer();
+	const BaseContainer* other = o.GetContainer();
+	if(container || other)
+		return container && other && *container == *other;
+	return value == o.value;
+}

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "c4d/base_time.h"
+#include "c4d/filename.h"
+#include "c4d/vector_matrix.h"
+
+#include <cstdint>
+#include <memory>
+#include <variant>
+
+class BaseContainer;
+class BaseList2D;
+
+// The kinds of value a GeData holds. Booleans are stored as longs (0 or 1).
+enum
+{
+	DA_NIL = 0,
+	DA_LONG = 15,
+	DA_REAL = 19,
+	DA_TIME = 22,
+	DA_VECTOR = 23,
+	DA_STRING = 130,
+	DA_FILENAME = 131,
+	DA_CONTAINER = 132,
+	DA_ALIASLINK = 133,
+};
+
+// One typed value of a parameter. A link is only a pointer to a node that
+// the document owns. A container is held as a shared, never changed copy, so
+// copying a GeData stays cheap while keeping value semantics.
+class GeData
+{
+public:
+	GeData() = default;
+	GeData(int32_t v) : value(v) {}
+	GeData(double v) : value(v) {}
+	GeData(const Vector& v) : value(v) {}
+	GeData(const String& v) : value(v) {}
+	GeData(const char* v) : value(String(v)) {}
+	GeData(const Filename& v) : value(v) {}
+	GeData(const BaseTime& v) : value(v) {}
+	GeData(const BaseContainer& v);
+	GeData(BaseList2D* v) : value(v) {}
+
+	// One of the DA_ constants.
+	int32_t GetType() const;
+
+	// The value when it has the asked type, otherwise preset.
+	int32_t GetInt32(int32_t preset = 0) const { return get(preset); }
+	double GetFloat(double preset = 0) const { return get(preset); }
+	Vector GetVector(const Vector& preset = Vector()) const { return get(preset); }
+	String GetString(const String& preset = String()) const { return get(preset); }
+	Filename GetFilename(const Filename& preset = Filename()) const { return get(preset); }
+	BaseTime GetTime(const BaseTime& preset = BaseTime()) const { return get(preset); }
+	BaseList2D* GetLink(BaseList2D* preset = nullptr) const { return get(preset); }
+	// The stored container, or null when the value is of another type.
+	const BaseContainer* GetContainer() const;
+
+	// Same type and same value; containers compare by content, links by pointer.
+	bool operator==(const GeData& o) const;
+	bool operator!=(const GeData& o) const { return !(*this == o); }
+
+private:
+	template<typename T>
+	T get(const T& preset) const
+	{
+		const T* stored = std::get_if<T>(&value);
+		return stored ? *stored : preset;
+	}
+
+	std::variant<std::monostate, int32_t, double, Vector, String, Filename, BaseTime,
+		std::shared_ptr<const BaseContainer>, BaseList2D*> value;
+};

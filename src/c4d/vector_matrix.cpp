@@ -1,0 +1,114 @@
+#include "c4d/vector_matrix.h"
+
+#include <cmath>
+
+Vector& Vector::operator+=(const Vector& o)
+{
+	x += o.x;
+	y += o.y;
+	z += o.z;
+	return *this;
+}
+
+Vector& Vector::operator-=(const Vector& o)
+{
+	x -= o.x;
+	y -= o.y;
+	z -= o.z;
+	return *this;
+}
+
+Vector& Vector::operator*=(double s)
+{
+	x *= s;
+	y *= s;
+	z *= s;
+	return *this;
+}
+
+double Vector::GetLength() const
+{
+	return std::sqrt(Dot(*this, *this));
+}
+
+Vector Vector::GetNormalized() const
+{
+	const double length = GetLength();
+	return length > 0 ? *this / length : *this;
+}
+
+Vector operator+(Vector a, const Vector& b)
+{
+	return a += b;
+}
+
+Vector operator-(Vector a, const Vector& b)
+{
+	return a -= b;
+}
+
+Vector operator-(const Vector& a)
+{
+	return Vector(-a.x, -a.y, -a.z);
+}
+
+Vector operator*(Vector a, double s)
+{
+	return a *= s;
+}
+
+Vector operator*(double s, Vector a)
+{
+	return a *= s;
+}
+
+Vector operator/(const Vector& a, double s)
+{
+	return Vector(a.x / s, a.y / s, a.z / s);
+}
+
+double Dot(const Vector& a, const Vector& b)
+{
+	return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+Vector Cross(const Vector& a, const Vector& b)
+{
+	return Vector(a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x);
+}
+
+namespace
+{
+
+// The direction d turned by the axes of m, without its offset.
+Vector turn(const Matrix& m, const Vector& d)
+{
+	return d.x * m.v1 + d.y * m.v2 + d.z * m.v3;
+}
+
+} // namespace
+
+Vector operator*(const Matrix& m, const Vector& p)
+{
+	return m.off + turn(m, p);
+}
+
+Matrix operator*(const Matrix& a, const Matrix& b)
+{
+	return Matrix(a * b.off, turn(a, b.v1), turn(a, b.v2), turn(a, b.v3));
+}
+
+Matrix Invert(const Matrix& m)
+{
+	// The rows of the inverse of the 3 by 3 part are the cross products of
+	// the axes over the determinant; the offset is then undone in that frame.
+	const double det = Dot(m.v1, Cross(m.v2, m.v3));
+	if(det == 0 || !std::isfinite(det))
+		return Matrix(Vector(), Vector(), Vector(), Vector());
+	const Vector r1 = Cross(m.v2, m.v3) / det;
+	const Vector r2 = Cross(m.v3, m.v1) / det;
+	const Vector r3 = Cross(m.v1, m.v2) / det;
+	Matrix inverse(Vector(), Vector(r1.x, r2.x, r3.x), Vector(r1.y, r2.y, r3.y), Vector(r1.z, r2.z, r3.z));
+	inverse.off = -turn(inverse, m.off);
+	return inverse;
+}

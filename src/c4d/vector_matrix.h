@@ -1,0 +1,55 @@
+#pragma once
+
+// The host's vector and matrix. A matrix is an affine transform given as an
+// offset and three axes; a point p maps to off + p.x * v1 + p.y * v2 + p.z * v3.
+
+struct Vector
+{
+	double x = 0, y = 0, z = 0;
+
+	Vector() = default;
+	Vector(double x_, double y_, double z_) : x(x_), y(y_), z(z_) {}
+
+	Vector& operator+=(const Vector& o);
+	Vector& operator-=(const Vector& o);
+	Vector& operator*=(double s);
+
+	double GetLength() const;
+	// The vector scaled to length 1; a zero vector stays zero.
+	Vector GetNormalized() const;
+
+	bool operator==(const Vector& o) const { return x == o.x && y == o.y && z == o.z; }
+	bool operator!=(const Vector& o) const { return !(*this == o); }
+};
+
+Vector operator+(Vector a, const Vector& b);
+Vector operator-(Vector a, const Vector& b);
+Vector operator-(const Vector& a);
+Vector operator*(Vector a, double s);
+Vector operator*(double s, Vector a);
+Vector operator/(const Vector& a, double s);
+double Dot(const Vector& a, const Vector& b);
+Vector Cross(const Vector& a, const Vector& b);
+
+struct Matrix
+{
+	Vector off;
+	Vector v1{1, 0, 0};
+	Vector v2{0, 1, 0};
+	Vector v3{0, 0, 1};
+
+	Matrix() = default;
+	Matrix(const Vector& off_, const Vector& v1_, const Vector& v2_, const Vector& v3_)
+		: off(off_), v1(v1_), v2(v2_), v3(v3_) {}
+
+	bool operator==(const Matrix& o) const { return off == o.off && v1 == o.v1 && v2 == o.v2 && v3 == o.v3; }
+	bool operator!=(const Matrix& o) const { return !(*this == o); }
+};
+
+// The point p transformed by m.
+Vector operator*(const Matrix& m, const Vector& p);
+// The transform that applies b first, then a.
+Matrix operator*(const Matrix& a, const Matrix& b);
+// The inverse transform. A matrix whose axes do not span space has none; it
+// gives the zero matrix (all four vectors zero), which a caller can test for.
+Matrix Invert(const Matrix& m);
