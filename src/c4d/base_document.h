@@ -1,0 +1,89 @@
+#pragma once
+
+#include "c4d/base_list.h"
+#include "c4d/base_material.h"
+#include "c4d/base_object.h"
+#include "c4d/base_time.h"
+#include "c4d/filename.h"
+#include "c4d/layer_object.h"
+#include "c4d/render_data.h"
+
+// The length units a document can be set to, by the application's numbering
+// of its unit preference.
+enum
+{
+	DOCUMENT_UNIT_KM = 1,
+	DOCUMENT_UNIT_M = 2,
+	DOCUMENT_UNIT_CM = 3,
+	DOCUMENT_UNIT_MM = 4,
+};
+
+// The node type of documents, a number of this host's own.
+enum
+{
+	Tbasedocument = 110059,
+};
+
+// A document: the object tree, the materials, the layers and one active
+// render data, which it owns, with the current time, frame rate, scene
+// camera, its file's place and its length unit.
+class BaseDocument : public BaseList2D
+{
+public:
+	BaseDocument();
+
+	static BaseDocument* Alloc() { return new BaseDocument(); }
+
+	BaseObject* GetFirstObject() const { return static_cast<BaseObject*>(objects.GetFirst()); }
+	// Puts op after pred when given, else first under parent when given,
+	// else first at the top of the tree; the document owns it.
+	void InsertObject(BaseObject* op, BaseObject* parent, BaseObject* pred);
+
+	BaseMaterial* GetFirstMaterial() const { return static_cast<BaseMaterial*>(materials.GetFirst()); }
+	// Puts mat after pred, or first when pred is null; the document owns it.
+	void InsertMaterial(BaseMaterial* mat, BaseMaterial* pred = nullptr) { materials.Insert(mat, pred); }
+
+	// The document's layers; insert a LayerObject there to add one.
+	GeListHead* GetLayerObjectRoot() { return &layers; }
+
+	RenderData* GetActiveRenderData() const { return renderData; }
+
+	const BaseTime& GetTime() const { return time; }
+	void SetTime(const BaseTime& t) { time = t; }
+	int32_t GetFps() const { return fps; }
+	// A rate below 1 frame per second is refused.
+	void SetFps(int32_t fps_);
+	// The frame the current time lies in at the document's rate.
+	int32_t GetFrame() const { return time.GetFrame(fps); }
+
+	// The object the scene is rendered through; null for the editor camera.
+	// The object must be in this document; it is not told when the object is
+	// freed, so whoever frees the camera clears it first.
+	BaseObject* GetActiveCamera() const { return camera; }
+	void SetActiveCamera(BaseObject* op) { camera = op; }
+
+	// The directory of the document's file, and the file name.
+	const Filename& GetDocumentPath() const { return path; }
+	void SetDocumentPath(const Filename& p) { path = p; }
+	const Filename& GetDocumentName() const { return name; }
+	void SetDocumentName(const Filename& n) { name = n; }
+
+	// One of the DOCUMENT_UNIT_ constants; other values are refused.
+	int32_t GetUnit() const { return unit; }
+	bool SetUnit(int32_t unit_);
+	// The length of one host unit in metres.
+	double GetUnitScale() const;
+
+private:
+	GeListHead objects;
+	GeListHead materials;
+	GeListHead layers;
+	GeListHead renderDatas;
+	RenderData* renderData;
+	BaseTime time;
+	int32_t fps = 30;
+	BaseObject* camera = nullptr;
+	Filename path;
+	Filename name;
+	int32_t unit = DOCUMENT_UNIT_CM;
+};

@@ -1,0 +1,151 @@
+#pragma once
+
+#include "c4d/base_container.h"
+#include "c4d/c4d_string.h"
+
+#include <cstdint>
+#include <list>
+#include <memory>
+
+class GeListHead;
+
+// Bits of a node's state that the application keeps besides its parameters.
+enum
+{
+	BIT_ACTIVE = 1 << 1,
+};
+
+// A node of a list tree. The nodes of one list are siblings (GetNext,
+// GetPred); each node has a list of children of its own (GetDown).
+//
+// Ownership: a list owns its nodes, so a node owns its children, and the
+// nodes of a top-level list are owned by its GeListHead. A node that is in no
+// list is free and belongs to whoever holds the pointer: Alloc gives a free
+// node, Remove makes a node free again and hands it to the caller, and an
+// insert passes it to the list. Free deletes a node with all its children,
+// taking it out of its list first, so it may be called on a node in a list.
+// A node is never deleted otherwise.
+class GeListNode
+{
+public:
+	explicit GeListNode(int32_t type_) : type(type_) {}
+	GeListNode(const GeListNode&) = delete;
+	GeListNode& operator=(const GeListNode&) = delete;
+	virtual ~GeListNode() = default;
+
+	// Deletes node and its children, and sets the pointer to null; a null
+	// node is allowed.
+	template<typename T>
+	static void Free(T*& node)
+	{
+		freeNode(node);
+		node = nullptr;
+	}
+
+	// The kind of node, a registered id such as Opolygon.
+	int32_t GetType() const { return type; }
+
+	GeListNode* GetNext() const;
+	GeListNode* GetPred() const;
+	// The node this one is a child of; null at the top of a list head.
+	GeListNode* GetUp() const { return up; }
+	GeListNode* GetDown() const;
+	GeListNode* GetDownLast() const;
+	// The head of the top-level list this node is in; null for a child.
+	GeListHead* GetListHead() const { return head; }
+
+	// Each insert first takes the node out of the list it is in. The node must
+	// not be inserted under itself or its own children.
+	void InsertUnder(GeListNode* parent);
+	void InsertUnderLast(GeListNode* parent);
+	void InsertAfter(GeListNode* pred);
+	void InsertBefore(GeListNode* next);
+	// Takes the node out of its list; the caller owns it afterwards.
+	void Remove();
+
+private:
+	friend class GeListHead;
+	using NodeList = std::list<std::unique_ptr<GeListNode>>;
+
+	static void freeNode(GeListNode* node);
+	// Puts the free node into list before pos.
+	void link(NodeList& list, NodeList::iterator pos, GeListNode* up, GeListHead* head);
+
+	int32_t type;
+	NodeList children;
+	// The list this node is in and its place there; list is null for a free node.
+	NodeList* list = nullptr;
+	NodeList::iterator self;
+	GeListNode* up = nullptr;
+	GeListHead* head = nullptr;
+};
+
+// The start of a top-level list, such as the objects or the materials of a
+// document. It owns its nodes and belongs to its main node (the document,
+// or the object of a tag list), which its nodes do not see as GetUp.
+class GeListHead
+{
+public:
+	explicit GeListHead(GeListNode* main_) : main(main_) {}
+	GeListHead(const GeListHead&) = delete;
+	GeListHead& operator=(const GeListHead&) = delete;
+
+	GeListNode* GetMain() const { return main; }
+	GeListNode* GetFirst() const { return nodes.empty() ? nullptr : nodes.front().get(); }
+	GeListNode* GetLast() const { return nodes.empty() ? nullptr : nodes.back().get(); }
+	// As the inserts of a node: the node is first taken out of its list.
+	void InsertFirst(GeListNode* node);
+	void InsertLast(GeListNode* node);
+	// After pred, a node of this list, or first when pred is null.
+	void Insert(GeListNode* node, GeListNode* pred);
+
+private:
+	GeListNode* main;
+	GeListNode::NodeList nodes;
+};
+
+// A list node with a name, a container of parameters, info flags (fixed by
+// the kind of node, such as OBJECT_CAMERADEPENDENT) and state bits.
+class BaseList2D : public GeListNode
+{
+public:
+	explicit BaseList2D(int32_t type_) : GeListNode(type_) {}
+
+	const String& GetName() const { return name; }
+	void SetName(const String& name_) { name = name_; }
+
+	BaseContainer* GetDataInstance() { return &data; }
+	const BaseContainer* GetDataInstance() const { return &data; }
+	BaseContainer GetData() const { return data; }
+	void SetData(const BaseContainer& data_) { data = data_; }
+
+	int32_t GetInfo() const { return info; }
+	// The host sets the info flags of a node from the registration of its kind.
+	void SetInfo(int32_t info_) { info = info_; }
+
+	bool GetBit(int32_t mask) const { return (bits & mask) != 0; }
+	void SetBit(int32_t mask) { bits |= mask; }
+	void DelBit(int32_t mask) { bits &= ~mask; }
+	int32_t GetAllBits() const { return bits; }
+
+private:
+	String name;
+	BaseContainer data;
+	int32_t info = 0;
+	int32_t bits = 0;
+};
+
+// Navigation typed as T, for node classes whose lists hold only their own
+// kind (objects, tags, materials, ...).
+template<typename T, typename Base = BaseList2D>
+class TypedList2D : public Base
+{
+public:
+	using Base::Base;
+
+	T* GetNext() const { return static_cast<T*>(GeListNode::GetNext()); }
+	T* GetPred() const { return static_cast<T*>(GeListNode::GetPred()); }
+	T* GetUp() const { return static_cast<T*>(GeListNode::GetUp()); }
+	T* GetDown() const { return static_cast<T*>(GeListNode::GetDown()); }
+	T* GetDownLast() const { return static_cast<T*>(GeListNode::GetDownLast()); }
+};

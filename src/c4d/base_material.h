@@ -1,0 +1,19 @@
+#pragma once
+
+#include "c4d/base_list.h"
+
+// The application's standard material.
+enum
+{
+	Mmaterial = 5703,
+};
+
+// A material of the document's material list; texture tags link to one.
+class BaseMaterial : public TypedList2D<BaseMaterial>
+{
+public:
+	using TypedList2D::TypedList2D;
+
+	// A free material of the given type.
+	static BaseMaterial* Alloc(int32_t type) { return new BaseMaterial(type); }
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "c4d/base_object.h"
+
+#include <vector>
+
+// A polygon by the indices of its corner points; a triangle has d == c.
+struct CPolygon
+{
+	int32_t a = 0, b = 0, c = 0, d = 0;
+
+	CPolygon() = default;
+	CPolygon(int32_t a_, int32_t b_, int32_t c_) : a(a_), b(b_), c(c_), d(c_) {}
+	CPolygon(int32_t a_, int32_t b_, int32_t c_, int32_t d_) : a(a_), b(b_), c(c_), d(d_) {}
+
+	bool IsTriangle() const { return c == d; }
+	bool operator==(const CPolygon& o) const { return a == o.a && b == o.b && c == o.c && d == o.d; }
+	bool operator!=(const CPolygon& o) const { return !(*this == o); }
+};
+
+// An object of type Opolygon: points in object space and polygons over them.
+class PolygonObject : public BaseObject
+{
+public:
+	PolygonObject() : BaseObject(Opolygon) {}
+
+	// A free polygon object with pcnt points at the origin and vcnt polygons
+	// of indices 0; null for a negative count.
+	static PolygonObject* Alloc(int32_t pcnt, int32_t vcnt);
+
+	int32_t GetPointCount() const { return (int32_t)points.size(); }
+	int32_t GetPolygonCount() const { return (int32_t)polygons.size(); }
+	const Vector* GetPointR() const { return points.data(); }
+	Vector* GetPointW() { return points.data(); }
+	const CPolygon* GetPolygonR() const { return polygons.data(); }
+	CPolygon* GetPolygonW() { return polygons.data(); }
+
+	// Sets the counts, keeping the leading points and polygons; new ones are
+	// zero. False, changing nothing, for a negative count.
+	bool ResizeObject(int32_t pcnt, int32_t vcnt);
+
+private:
+	std::vector<Vector> points;
+	std::vector<CPolygon> polygons;
+};

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "c4d/base_list.h"
+
+// Info flag of a video post that the user switched off.
+enum
+{
+	VIDEOPOST_DISABLED = 1 << 2,
+};
+
+// One effect of the render data's video post list, with its parameters.
+class BaseVideoPost : public TypedList2D<BaseVideoPost>
+{
+public:
+	using TypedList2D::TypedList2D;
+
+	// A free video post of the given type.
+	static BaseVideoPost* Alloc(int32_t type) { return new BaseVideoPost(type); }
+};
+
+// The type of render data nodes, a number of this host's own.
+enum
+{
+	Rbase = 110304,
+};
+
+// A set of render settings: its parameters and its list of video posts, in
+// the order the host runs them.
+class RenderData : public TypedList2D<RenderData>
+{
+public:
+	RenderData() : TypedList2D(Rbase), videoPosts(this) {}
+
+	static RenderData* Alloc() { return new RenderData(); }
+
+	BaseVideoPost* GetFirstVideoPost() const { return static_cast<BaseVideoPost*>(videoPosts.GetFirst()); }
+	// Puts the video post after pred, or first when pred is null; the render data owns it.
+	void InsertVideoPost(BaseVideoPost* pp, BaseVideoPost* pred = nullptr) { videoPosts.Insert(pp, pred); }
+	void InsertVideoPostLast(BaseVideoPost* pp) { videoPosts.InsertLast(pp); }
+
+private:
+	GeListHead videoPosts;
+};
