@@ -1,0 +1,375 @@
+#include "c4d/document_file.h"
+#include "c4d/node_defaults.h"
+#include "c4d/polygon_object.h"
+
+#include "support/test_files.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace
+{
+
+struct FreeDocument
+{
+	void operator()(BaseDocument* doc) const { BaseDocument::Free(doc); }
+};
+using DocPtr = std::unique_ptr<BaseDocument, FreeDocument>;
+
+const std::string EXAMPLE = VelornTest::testDataPath("../docs/document-format-example.json");
+
+DocPtr loadExample()
+{
+	return DocPtr(LoadDocumentFile(Filename(String(EXAMPLE))));
+}
+
+DocPtr read(const std::string& text, const std::string& file = "scene.json")
+{
+	return DocPtr(ReadDocumentText(text, Filename(String(file))));
+}
+
+// The message ReadDocumentText throws for text; empty when it reads.
+std::string failure(const std::string& text, const std::string& file = "scene.json")
+{
+	try
+	{
+		read(text, file);
+	}
+	catch(const DocumentFileExcep& e)
+	{
+		return e.what();
+	}
+	return std::string();
+}
+
+// The object at a path of names from the top of the object tree.
+BaseObject* objectAt(const BaseDocument& doc, std::initializer_list<const char*> names)
+{
+	BaseObject* op = doc.GetFirstObject();
+	BaseObject* found = nullptr;
+	for(const char* name : names)
+	{
+		while(op && op->GetName() != String(name))
+			op = op->GetNext();
+		if(!op)
+			return nullptr;
+		found = op;
+		op = op->GetDown();
+	}
+	return found;
+}
+
+} // namespace
+
+TEST(DocumentFile, ExampleSettingsAndTree)
+{
+	const DocPtr doc = loadExample();
+	EXPECT_EQ(doc->GetDocumentName(), Filename("studio.c4d"));
+	EXPECT_EQ(doc->GetDocumentPath(), Filename("/projects/studio"));
+	EXPECT_EQ(doc->GetUnit(), DOCUMENT_UNIT_M);
+	EXPECT_EQ(doc->GetFps(), 25);
+	EXPECT_EQ(doc->GetTime(), BaseTime(12, 25));
+	EXPECT_EQ(doc->GetActiveCamera(), objectAt(*doc, {"Main Camera"}));
+
+	// Top level, then the children of Set in file order.
+	const struct
+	{
+		std::initializer_list<const char*> path;
+		int32_t type;
+		BaseObject* up;
+	} objects[] = {
+		{{"Main Camera"}, Ocamera, nullptr},
+		{{"Set"}, Onull, nullptr},
+		{{"Set", "Ground"}, Opolygon, objectAt(*doc, {"Set"})},
+		{{"Set", "Crate"}, Opolygon, objectAt(*doc, {"Set"})},
+		{{"Set", "Key Light"}, Olight, objectAt(*doc, {"Set"})},
+	};
+	for(const auto& t : objects)
+	{
+		const BaseObject* op = objectAt(*doc, t.path);
+		SCOPED_TRACE(*(t.path.end() - 1));
+		ASSERT_NE(op, nullptr);
+		EXPECT_EQ(op->GetType(), t.type);
+		EXPECT_EQ(op->GetUp(), t.up);
+	}
+	EXPECT_EQ(doc->GetFirstObject()->GetName(), String("Main Camera"));
+	EXPECT_EQ(objectAt(*doc, {"Set"})->GetDown()->GetName(), String("Ground"));
+	EXPECT_EQ(objectAt(*doc, {"Set"})->GetDownLast()->GetName(), String("Key Light"));
+
+	const BaseObject* crate = objectAt(*doc, {"Set", "Crate"});
+	EXPECT_EQ(crate->GetMl(), Matrix(Vector(1, 0, 0), Vector(2, 0, 0), Vector(0, 2, 0), Vector(0, 0, 2)));
+	EXPECT_EQ(objectAt(*doc, {"Main Camera"})->GetMl().off, Vector(0, 1.5, -6));
+	EXPECT_EQ(objectAt(*doc, {"Set"})->GetMl(), Matrix());
+	EXPECT_EQ(crate->GetRenderMode(), MODE_ON);
+	EXPECT_EQ(crate->GetEditorMode(), MODE_OFF);
+	EXPECT_EQ(objectAt(*doc, {"Set"})->GetRenderMode(), MODE_UNDEF);
+	EXPECT_TRUE(crate->GetDeformMode());
+	EXPECT_FALSE(objectAt(*doc, {"Set", "Key Light"})->GetDeformMode());
+}
+
+TEST(DocumentFile, ExampleParameters)
+{
+	const DocPtr doc = loadExample();
+	BaseObject* light = objectAt(*doc, {"Set", "Key Light"});
+	BaseContainer nested(7);
+	nested.SetInt32(1, 2);
+	nested.SetData(2, GeData());
+	const struct
+	{
+		const BaseList2D* node;
+		int32_t id;
+		GeData expected;
+	} params[] = {
+		{objectAt(*doc, {"Main Camera"}), 500, GeData(36.0)},
+		{objectAt(*doc, {"Main Camera"}), 501, GeData((int32_t)1)}, // bool
+		{light, 900, GeData((int32_t)3)},
+		{light, 901, GeData("soft key")},
+		{light, 902, GeData(static_cast<BaseList2D*>(objectAt(*doc, {"Set", "Crate"})))},
+		{light, 903, GeData(BaseTime(1, 50))},
+		{light, 904, GeData(nested)},
+		{doc->GetFirstMaterial(), 2000, GeData(Vector(0.8, 0.8, 0.75))},
+		{doc->GetFirstMaterial(), 2001, GeData(0.25)},
+		{doc->GetFirstMaterial(), 2002, GeData(Filename("textures/oak.png"))},
+		{doc->GetActiveRenderData(), 5, GeData((int32_t)1280)},
+	};
+	for(const auto& t : params)
+	{
+		SCOPED_TRACE(t.id);
+		EXPECT_EQ(t.node->GetDataInstance()->GetData(t.id), t.expected);
+	}
+	EXPECT_EQ(light->GetDataInstance()->GetCount(), 5);
+}
+
+TEST(DocumentFile, ExampleTagsMaterialsLayersRender)
+{
+	const DocPtr doc = loadExample();
+	const BaseObject* ground = objectAt(*doc, {"Set", "Ground"});
+	const BaseTag* texture = ground->GetFirstTag();
+	ASSERT_NE(texture, nullptr);
+	EXPECT_EQ(texture->GetType(), Ttexture);
+	EXPECT_EQ(texture->GetName(), String("Texture"));
+	EXPECT_EQ(texture->GetObject(), ground);
+	EXPECT_EQ(texture->GetDataInstance()->GetLink(1010), doc->GetFirstMaterial());
+	ASSERT_NE(texture->GetNext(), nullptr);
+	EXPECT_EQ(texture->GetNext()->GetType(), Tphong);
+	EXPECT_EQ(texture->GetNext()->GetNext(), nullptr);
+
+	const BaseMaterial* floor = doc->GetFirstMaterial();
+	EXPECT_EQ(floor->GetType(), Mmaterial);
+	EXPECT_EQ(floor->GetName(), String("Floor"));
+	EXPECT_EQ(floor->GetNext(), nullptr);
+
+	const LayerObject* props = static_cast<LayerObject*>(doc->GetLayerObjectRoot()->GetFirst());
+	ASSERT_NE(props, nullptr);
+	EXPECT_EQ(props->GetName(), String("Props"));
+	EXPECT_TRUE(props->GetLayerData().render);
+	EXPECT_FALSE(props->GetLayerData().view);
+	EXPECT_EQ(objectAt(*doc, {"Set", "Crate"})->GetLayerObject(doc.get()), props);
+	EXPECT_EQ(ground->GetLayerObject(doc.get()), nullptr);
+
+	const RenderData* rd = doc->GetActiveRenderData();
+	EXPECT_EQ(rd->GetName(), String("Final"));
+	EXPECT_EQ(rd->GetDataInstance()->GetInt32(6), 720);
+	const BaseVideoPost* velorn = rd->GetFirstVideoPost();
+	ASSERT_NE(velorn, nullptr);
+	EXPECT_EQ(velorn->GetType(), 1030000);
+	EXPECT_EQ(velorn->GetInfo() & VIDEOPOST_DISABLED, 0);
+	EXPECT_EQ(velorn->GetDataInstance()->GetFloat(10), 1.5);
+	const BaseVideoPost* glow = velorn->GetNext();
+	ASSERT_NE(glow, nullptr);
+	EXPECT_EQ(glow->GetName(), String("Glow"));
+	EXPECT_NE(glow->GetInfo() & VIDEOPOST_DISABLED, 0);
+	EXPECT_EQ(glow->GetNext(), nullptr);
+}
+
+TEST(DocumentFile, PolygonGeometryInlineAndFromModel)
+{
+	const DocPtr doc = loadExample();
+	const auto* ground = static_cast<const PolygonObject*>(objectAt(*doc, {"Set", "Ground"}));
+	ASSERT_EQ(ground->GetPointCount(), 4);
+	EXPECT_EQ(ground->GetPointR()[2], Vector(5, 0, 5));
+	ASSERT_EQ(ground->GetPolygonCount(), 1);
+	EXPECT_EQ(ground->GetPolygonR()[0], CPolygon(0, 1, 2, 3));
+
+	// The model next to the example: two triangles, then the quad. The OBJ
+	// decoder gives every polygon corner a point of its own.
+	const auto* crate = static_cast<const PolygonObject*>(objectAt(*doc, {"Set", "Crate"}));
+	ASSERT_EQ(crate->GetPointCount(), 10);
+	EXPECT_EQ(crate->GetPointR()[4], Vector(1, 0, 1));
+	EXPECT_EQ(crate->GetPointR()[8], Vector(1, 1, 1));
+	ASSERT_EQ(crate->GetPolygonCount(), 3);
+	EXPECT_EQ(crate->GetPolygonR()[0], CPolygon(0, 1, 2));
+	EXPECT_TRUE(crate->GetPolygonR()[1].IsTriangle());
+	EXPECT_EQ(crate->GetPolygonR()[1], CPolygon(3, 4, 5));
+	EXPECT_EQ(crate->GetPolygonR()[2], CPolygon(6, 7, 8, 9));
+
+	// A model in a directory of its own, named relative to the document.
+	VelornTest::TempDir dir;
+	VelornTest::writeFile(dir.file("tri.obj"), "v 0 0 0\nv 2 0 0\nv 0 3 0\nf 1 2 3\n");
+	VelornTest::writeFile(dir.file("doc.json"),
+		R"({"version": 1, "objects": [{"type": 5100, "name": "T", "model": "tri.obj"}]})");
+	const DocPtr loaded(LoadDocumentFile(Filename(String(dir.file("doc.json")))));
+	const auto* tri = static_cast<const PolygonObject*>(loaded->GetFirstObject());
+	ASSERT_EQ(tri->GetPointCount(), 3);
+	EXPECT_EQ(tri->GetPointR()[2], Vector(0, 3, 0));
+	ASSERT_EQ(tri->GetPolygonCount(), 1);
+	EXPECT_EQ(tri->GetPolygonR()[0], CPolygon(0, 1, 2));
+	// Without a path and name in the file, they are those of the file.
+	EXPECT_EQ(loaded->GetDocumentPath(), Filename(String(dir.path())));
+	EXPECT_EQ(loaded->GetDocumentName(), Filename("doc.json"));
+}
+
+TEST(DocumentFile, SavedAndLoadedAgainIsTheSame)
+{
+	const DocPtr doc = loadExample();
+	const std::string saved = WriteDocumentText(*doc);
+	VelornTest::TempDir dir;
+	const Filename file(String(dir.file("again.json")));
+	SaveDocumentFile(*doc, file);
+	const DocPtr again(LoadDocumentFile(file));
+	EXPECT_EQ(WriteDocumentText(*again), saved);
+
+	// Fields survive, links point into the new document.
+	EXPECT_EQ(again->GetDocumentPath(), Filename("/projects/studio"));
+	EXPECT_EQ(again->GetTime(), BaseTime(12, 25));
+	EXPECT_EQ(again->GetActiveCamera(), objectAt(*again, {"Main Camera"}));
+	const BaseObject* light = objectAt(*again, {"Set", "Key Light"});
+	EXPECT_EQ(light->GetDataInstance()->GetLink(902), objectAt(*again, {"Set", "Crate"}));
+	EXPECT_EQ(*again->GetFirstMaterial()->GetDataInstance(), *doc->GetFirstMaterial()->GetDataInstance());
+	EXPECT_EQ(light->GetDataInstance()->GetContainer(904), objectAt(*doc, {"Set", "Key Light"})->GetDataInstance()->GetContainer(904));
+	const auto* crate = static_cast<const PolygonObject*>(objectAt(*again, {"Set", "Crate"}));
+	EXPECT_EQ(crate->GetPolygonCount(), 3);
+	EXPECT_EQ(crate->GetMl().v1, Vector(2, 0, 0));
+	EXPECT_NE(again->GetActiveRenderData()->GetFirstVideoPost()->GetNext()->GetInfo() & VIDEOPOST_DISABLED, 0);
+}
+
+TEST(DocumentFile, WrittenText)
+{
+	BaseDocument doc;
+	doc.SetFps(24);
+	BaseObject* cube = BaseObject::Alloc(Ocube);
+	cube->SetName("Box");
+	cube->GetDataInstance()->SetFloat(1100, 0.5);
+	doc.InsertObject(cube, nullptr, nullptr);
+	EXPECT_EQ(WriteDocumentText(doc), "{\n"
+		"\t\"version\": 1,\n"
+		"\t\"name\": \"\",\n"
+		"\t\"path\": \"\",\n"
+		"\t\"unit\": \"cm\",\n"
+		"\t\"fps\": 24,\n"
+		"\t\"time\": [\n\t\t0.0,\n\t\t1.0\n\t],\n"
+		"\t\"layers\": [],\n"
+		"\t\"materials\": [],\n"
+		"\t\"objects\": [\n"
+		"\t\t{\n"
+		"\t\t\t\"type\": 5159,\n"
+		"\t\t\t\"name\": \"Box\",\n"
+		"\t\t\t\"params\": [\n"
+		"\t\t\t\t{\n"
+		"\t\t\t\t\t\"id\": 1100,\n"
+		"\t\t\t\t\t\"type\": \"real\",\n"
+		"\t\t\t\t\t\"value\": 0.5\n"
+		"\t\t\t\t}\n"
+		"\t\t\t]\n"
+		"\t\t}\n"
+		"\t],\n"
+		"\t\"render\": {\n"
+		"\t\t\"name\": \"\",\n"
+		"\t\t\"videoposts\": []\n"
+		"\t}\n"
+		"}\n");
+}
+
+TEST(DocumentFile, DefaultsFirstThenFileValues)
+{
+	int runs = 0;
+	RegisterNodeDefaults(Ocube, [&runs](BaseList2D& node) {
+		++runs;
+		node.GetDataInstance()->SetFloat(1100, 1.0);
+		node.GetDataInstance()->SetString(1101, "from defaults");
+	});
+	const DocPtr doc = read(R"({"version": 1, "objects": [
+		{"type": 5159, "name": "A", "params": [{"id": 1100, "type": "real", "value": 2.5}]},
+		{"type": 5159, "name": "B"},
+		{"type": 5160, "name": "C"}]})");
+	RegisterNodeDefaults(Ocube, NodeDefaults());
+	EXPECT_EQ(runs, 2);
+	const BaseContainer* a = objectAt(*doc, {"A"})->GetDataInstance();
+	EXPECT_EQ(a->GetFloat(1100), 2.5);
+	EXPECT_EQ(a->GetString(1101), String("from defaults"));
+	EXPECT_EQ(objectAt(*doc, {"B"})->GetDataInstance()->GetFloat(1100), 1.0);
+	EXPECT_EQ(objectAt(*doc, {"C"})->GetDataInstance()->GetCount(), 0);
+	// Removed defaults no longer run.
+	read(R"({"version": 1, "objects": [{"type": 5159}]})");
+	EXPECT_EQ(runs, 2);
+}
+
+TEST(DocumentFile, BadDocuments)
+{
+	VelornTest::TempDir dir;
+	const std::string inDir = dir.file("bad.json");
+	const std::string obj = R"({"version": 1, "objects": [)";
+	const struct
+	{
+		std::string text;
+		std::string message;
+	} cases[] = {
+		{"hello", "scene.json:1:1: not valid JSON"},
+		{"{\n\t\"version\": 1,\n\t\"fps\": 25,,\n}", "scene.json:3:12: not valid JSON"},
+		{"[]", "scene.json: expected an object"},
+		{"{}", "scene.json: missing key 'version'"},
+		{R"({"version": 2})", "scene.json: version: unsupported version 2; this host reads version 1"},
+		{R"({"version": 1, "colour": 1})", "scene.json: unknown key 'colour'"},
+		{R"({"version": 1, "fps": "25"})", "scene.json: fps: expected an integer"},
+		{R"({"version": 1, "fps": 0})", "scene.json: fps: the frame rate must be at least 1"},
+		{R"({"version": 1, "time": [1, 0]})", "scene.json: time[1]: the denominator must be positive"},
+		{R"({"version": 1, "unit": "inch"})", "scene.json: unit: unknown value 'inch' (one of km, m, cm, mm)"},
+		{R"({"version": 1, "camera": "Cam"})", "scene.json: camera: no object named 'Cam'"},
+		{obj + R"({"name": "A"}]})", "scene.json: objects[0]: missing key 'type'"},
+		{obj + R"({"type": 5140, "matrix": {"off": [0, 0], "v1": [1, 0, 0], "v2": [0, 1, 0], "v3": [0, 0, 1]}}]})",
+			"scene.json: objects[0].matrix.off: expected an array of three numbers"},
+		{obj + R"({"type": 5140, "layer": "L"}]})", "scene.json: objects[0].layer: no layer named 'L'"},
+		{obj + R"({"type": 5140, "render_mode": "maybe"}]})",
+			"scene.json: objects[0].render_mode: unknown value 'maybe' (one of on, off, parent)"},
+		{obj + R"({"type": 5140}, {"type": 5140, "tags": [{"type": 5616, "params": [{"id": 1, "type": "long", "value": 1},
+			{"id": 2, "type": "real", "value": "x"}]}]}]})",
+			"scene.json: objects[1].tags[0].params[1].value: expected a number"},
+		{obj + R"({"type": 5140, "params": [{"id": 1, "type": "colour", "value": 1}]}]})",
+			"scene.json: objects[0].params[0].type: unknown parameter type 'colour' (one of bool, long, real, vector, "
+			"string, filename, time, link, container, none)"},
+		{obj + R"({"type": 5140, "params": [{"id": 1, "type": "long", "value": 1.5}]}]})",
+			"scene.json: objects[0].params[0].value: expected an integer"},
+		{obj + R"({"type": 5140, "params": [{"id": 1, "type": "long", "value": 3000000000}]}]})",
+			"scene.json: objects[0].params[0].value: the integer 3000000000 does not fit 32 bits"},
+		{obj + R"({"type": 5140, "params": [{"id": 1, "type": "bool", "value": 1}]}]})",
+			"scene.json: objects[0].params[0].value: expected true or false"},
+		{obj + R"({"type": 5140, "params": [{"id": 1, "type": "long", "value": 1}, {"id": 1, "type": "long", "value": 2}]}]})",
+			"scene.json: objects[0].params[1].id: parameter 1 is given twice"},
+		{obj + R"({"type": 5140, "children": [{"type": 5140, "params": [{"id": 1, "type": "link", "value": "Gone"}]}]}]})",
+			"scene.json: objects[0].children[0].params[0].value: the link names 'Gone', but there is no object, "
+			"material or layer of that name"},
+		{obj + R"({"type": 5140, "points": [[0, 0, 0]]}]})",
+			"scene.json: objects[0]: points, polygons and model are only for polygon objects (type 5100)"},
+		{obj + R"({"type": 5100, "points": [[0, 0, 0]], "model": "a.obj"}]})",
+			"scene.json: objects[0]: a polygon object has either a model or points and polygons, not both"},
+		{obj + R"({"type": 5100, "points": [[0, 0, 0], [1, 0, 0], [0, 1, 0]], "polygons": [[0, 1, 3]]}]})",
+			"scene.json: objects[0].polygons[0][2]: point index 3 is out of range (3 points)"},
+		{obj + R"({"type": 5100, "polygons": [[0, 1]]}]})",
+			"scene.json: objects[0].polygons[0]: expected an array of three or four point indices"},
+		{R"({"version": 1, "render": {"videoposts": [{"type": 1, "enabled": "no"}]}})",
+			"scene.json: render.videoposts[0].enabled: expected true or false"},
+	};
+	for(const auto& t : cases)
+	{
+		SCOPED_TRACE(t.text);
+		EXPECT_EQ(failure(t.text), t.message);
+	}
+
+	const std::string missing = obj + R"({"type": 5100, "model": "gone.obj"}]})";
+	EXPECT_EQ(failure(missing, inDir), inDir + ": objects[0].model: no model file '" + dir.file("gone.obj") + "'");
+	VelornTest::writeFile(dir.file("broken.obj"), "v 1 2\n");
+	EXPECT_EQ(failure(obj + R"({"type": 5100, "model": "broken.obj"}]})", inDir),
+		inDir + ": objects[0].model: cannot read model file '" + dir.file("broken.obj") +
+			"': Parse error while reading position on line 1");
+}

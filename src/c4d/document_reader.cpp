@@ -1,0 +1,438 @@
+#include "c4d/document_checks.h"
+#include "c4d/node_defaults.h"
+#include "c4d/polygon_object.h"
+
+#include "mesh/mesh.h"
+#include "mesh/model_decoder.h"
+#include "support/file_utils.h"
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <set>
+
+namespace FileUtils = Velorn::FileUtils;
+
+namespace
+{
+
+using Json = DocumentChecks::Json;
+
+struct FreeDocument
+{
+	void operator()(BaseDocument* doc) const { BaseDocument::Free(doc); }
+};
+
+// Builds a document from its JSON form in two passes: the first makes every
+// node with its defaults, name, matrix and geometry; the second sets the
+// parameters, when every name a link may point to is known.
+class Reader : DocumentChecks
+{
+public:
+	explicit Reader(const Filename& file_) : DocumentChecks(file_.GetString().GetStdString()) {}
+
+	BaseDocument* read(const Json& root)
+	{
+		checkKeys(root, "", {"version", "name", "path", "unit", "fps", "time", "camera", "layers", "materials",
+			"objects", "render"});
+		readVersion(root);
+		std::unique_ptr<BaseDocument, FreeDocument> doc(BaseDocument::Alloc());
+		readLayers(*doc, root);
+		readMaterials(*doc, root);
+		if(const Json* objects = find(root, "objects"))
+			readObjects(*doc, *objects, "objects", nullptr);
+		readRender(*doc->GetActiveRenderData(), root);
+		for(const Pending& p : pending)
+			readParams(*p.node->GetDataInstance(), *p.params, p.place);
+		readSettings(*doc, root);
+		return doc.release();
+	}
+
+private:
+	// A node whose parameters wait for the second pass.
+	struct Pending
+	{
+		BaseList2D* node;
+		const Json* params;
+		std::string place;
+	};
+	using Names = std::map<std::string, BaseList2D*>;
+
+	void readVersion(const Json& root) const
+	{
+		const int32_t version = integer(required(root, "", "version"), "version");
+		if(version != DocumentTables::formatVersion)
+			fail("version", "unsupported version " + std::to_string(version) + "; this host reads version " +
+				std::to_string(DocumentTables::formatVersion));
+	}
+
+	// The steps every node takes right after it is allocated.
+	// names, when given, is where links and references find the node.
+	void begin(BaseList2D& node, const Json& j, const std::string& place, Names* names)
+	{
+		ApplyNodeDefaults(node);
+		if(const Json* name = find(j, "name"))
+			node.SetName(String(text(*name, member(place, "name"))));
+		if(names && node.GetName().Content())
+			names->emplace(node.GetName().GetStdString(), &node);
+		if(const Json* params = find(j, "params"))
+			pending.push_back({&node, &array(*params, member(place, "params")), member(place, "params")});
+	}
+
+	int32_t type(const Json& j, const std::string& place) const
+	{
+		return integer(required(j, place, "type"), member(place, "type"));
+	}
+
+	void readLayers(BaseDocument& doc, const Json& root)
+	{
+		const Json* layers = find(root, "layers");
+		for(size_t i = 0; layers && i < array(*layers, "layers").size(); ++i)
+		{
+			const Json& j = (*layers)[i];
+			const std::string place = element("layers", i);
+			checkKeys(j, place, {"name", "render", "view", "params"});
+			LayerObject* layer = LayerObject::Alloc();
+			doc.GetLayerObjectRoot()->InsertLast(layer);
+			begin(*layer, j, place, &layerNames);
+			LayerData data;
+			if(const Json* render = find(j, "render"))
+				data.render = boolean(*render, member(place, "render"));
+			if(const Json* view = find(j, "view"))
+				data.view = boolean(*view, member(place, "view"));
+			layer->SetLayerData(data);
+		}
+	}
+
+	void readMaterials(BaseDocument& doc, const Json& root)
+	{
+		const Json* materials = find(root, "materials");
+		BaseMaterial* pred = nullptr;
+		for(size_t i = 0; materials && i < array(*materials, "materials").size(); ++i)
+		{
+			const Json& j = (*materials)[i];
+			const std::string place = element("materials", i);
+			checkKeys(j, place, {"type", "name", "params"});
+			BaseMaterial* mat = BaseMaterial::Alloc(type(j, place));
+			doc.InsertMaterial(mat, pred);
+			begin(*mat, j, place, &materialNames);
+			pred = mat;
+		}
+	}
+
+	void readObjects(BaseDocument& doc, const Json& list, const std::string& place, BaseObject* parent)
+	{
+		BaseObject* pred = nullptr;
+		for(size_t i = 0; i < array(list, place).size(); ++i)
+		{
+			BaseObject* op = readObject(doc, list[i], element(place, i), parent, pred);
+			pred = op;
+		}
+	}
+
+	BaseObject* readObject(BaseDocument& doc, const Json& j, const std::string& place, BaseObject* parent,
+		BaseObject* pred)
+	{
+		checkKeys(j, place, {"type", "name", "matrix", "render_mode", "editor_mode", "enabled", "layer", "params",
+			"tags", "children", "points", "polygons", "model"});
+		BaseObject* op = BaseObject::Alloc(type(j, place));
+		doc.InsertObject(op, parent, pred);
+		begin(*op, j, place, &objectNames);
+		if(const Json* matrix = find(j, "matrix"))
+			op->SetMl(readMatrix(*matrix, member(place, "matrix")));
+		if(const Json* mode = find(j, "render_mode"))
+			op->SetRenderMode(named(DocumentTables::modes, *mode, member(place, "render_mode")));
+		if(const Json* mode = find(j, "editor_mode"))
+			op->SetEditorMode(named(DocumentTables::modes, *mode, member(place, "editor_mode")));
+		if(const Json* enabled = find(j, "enabled"))
+			op->SetDeformMode(boolean(*enabled, member(place, "enabled")));
+		if(const Json* layer = find(j, "layer"))
+			op->SetLayerObject(static_cast<LayerObject*>(lookUp(layerNames, "layer", *layer, member(place, "layer"))));
+		readGeometry(*op, j, place);
+		readTags(*op, j, place);
+		if(const Json* children = find(j, "children"))
+			readObjects(doc, *children, member(place, "children"), op);
+		return op;
+	}
+
+	Matrix readMatrix(const Json& j, const std::string& place) const
+	{
+		checkKeys(j, place, {"off", "v1", "v2", "v3"});
+		Matrix m;
+		m.off = vector(required(j, place, "off"), member(place, "off"));
+		m.v1 = vector(required(j, place, "v1"), member(place, "v1"));
+		m.v2 = vector(required(j, place, "v2"), member(place, "v2"));
+		m.v3 = vector(required(j, place, "v3"), member(place, "v3"));
+		return m;
+	}
+
+	void readTags(BaseObject& op, const Json& j, const std::string& place)
+	{
+		const Json* tags = find(j, "tags");
+		const std::string tagsPlace = member(place, "tags");
+		BaseTag* pred = nullptr;
+		for(size_t i = 0; tags && i < array(*tags, tagsPlace).size(); ++i)
+		{
+			const Json& tj = (*tags)[i];
+			const std::string tagPlace = element(tagsPlace, i);
+			checkKeys(tj, tagPlace, {"type", "name", "params"});
+			BaseTag* tag = BaseTag::Alloc(type(tj, tagPlace));
+			op.InsertTag(tag, pred);
+			begin(*tag, tj, tagPlace, nullptr);
+			pred = tag;
+		}
+	}
+
+	void readGeometry(BaseObject& op, const Json& j, const std::string& place) const
+	{
+		const Json* model = find(j, "model");
+		const bool hasInline = find(j, "points") || find(j, "polygons");
+		if(!model && !hasInline)
+			return;
+		if(op.GetType() != Opolygon)
+			fail(place, "points, polygons and model are only for polygon objects (type " + std::to_string(Opolygon) +
+				")");
+		if(model && hasInline)
+			fail(place, "a polygon object has either a model or points and polygons, not both");
+		PolygonObject& poly = static_cast<PolygonObject&>(op);
+		if(model)
+			readModel(poly, *model, member(place, "model"));
+		else
+			readInlineGeometry(poly, j, place);
+	}
+
+	void readInlineGeometry(PolygonObject& poly, const Json& j, const std::string& place) const
+	{
+		static const Json none = Json::array();
+		const Json* pj = find(j, "points");
+		const Json* vj = find(j, "polygons");
+		const Json& points = array(pj ? *pj : none, member(place, "points"));
+		const Json& polygons = array(vj ? *vj : none, member(place, "polygons"));
+		poly.ResizeObject((int32_t)points.size(), (int32_t)polygons.size());
+		for(size_t i = 0; i < points.size(); ++i)
+			poly.GetPointW()[i] = vector(points[i], element(member(place, "points"), i));
+		for(size_t i = 0; i < polygons.size(); ++i)
+			poly.GetPolygonW()[i] = polygon(polygons[i], element(member(place, "polygons"), i), points.size());
+	}
+
+	CPolygon polygon(const Json& j, const std::string& place, size_t pointCount) const
+	{
+		if(!j.is_array() || j.size() < 3 || j.size() > 4)
+			fail(place, "expected an array of three or four point indices");
+		int32_t corners[4];
+		for(size_t i = 0; i < j.size(); ++i)
+		{
+			corners[i] = integer(j[i], element(place, i));
+			if(corners[i] < 0 || (size_t)corners[i] >= pointCount)
+				fail(element(place, i), "point index " + std::to_string(corners[i]) + " is out of range (" +
+					std::to_string(pointCount) + " points)");
+		}
+		return j.size() == 3 ? CPolygon(corners[0], corners[1], corners[2])
+			: CPolygon(corners[0], corners[1], corners[2], corners[3]);
+	}
+
+	// A model file named relative to the document file's directory.
+	void readModel(PolygonObject& poly, const Json& j, const std::string& place) const
+	{
+		const std::string path = FileUtils::join(FileUtils::getDirectory(fileName()), text(j, place));
+		if(!FileUtils::fileExists(path))
+			fail(place, "no model file '" + path + "'");
+		Velorn::Mesh mesh;
+		try
+		{
+			Velorn::loadModel(path, mesh, 1.0f);
+		}
+		catch(const Velorn::MessageException& e)
+		{
+			fail(place, "cannot read model file '" + path + "': " + e.what());
+		}
+		fillFromMesh(poly, mesh);
+	}
+
+	// Triangles come first, then quads, as the mesh keeps them.
+	static void fillFromMesh(PolygonObject& poly, const Velorn::Mesh& mesh)
+	{
+		const size_t triangles = mesh.triangles.size();
+		poly.ResizeObject((int32_t)mesh.verts.size(), (int32_t)(triangles + mesh.quads.size()));
+		for(size_t i = 0; i < mesh.verts.size(); ++i)
+			poly.GetPointW()[i] = Vector(mesh.verts[i].x, mesh.verts[i].y, mesh.verts[i].z);
+		for(size_t i = 0; i < triangles; ++i)
+		{
+			const uint32_t* v = mesh.triangles[i].vertex_indices;
+			poly.GetPolygonW()[i] = CPolygon((int32_t)v[0], (int32_t)v[1], (int32_t)v[2]);
+		}
+		for(size_t i = 0; i < mesh.quads.size(); ++i)
+		{
+			const uint32_t* v = mesh.quads[i].vertex_indices;
+			poly.GetPolygonW()[triangles + i] = CPolygon((int32_t)v[0], (int32_t)v[1], (int32_t)v[2], (int32_t)v[3]);
+		}
+	}
+
+	void readRender(RenderData& rd, const Json& root)
+	{
+		static const Json none = Json::object();
+		const Json* render = find(root, "render");
+		const Json& j = render ? *render : none;
+		checkKeys(j, "render", {"name", "params", "videoposts"});
+		begin(rd, j, "render", nullptr);
+		const Json* posts = find(j, "videoposts");
+		for(size_t i = 0; posts && i < array(*posts, "render.videoposts").size(); ++i)
+		{
+			const Json& pj = (*posts)[i];
+			const std::string place = element("render.videoposts", i);
+			checkKeys(pj, place, {"type", "name", "enabled", "params"});
+			BaseVideoPost* post = BaseVideoPost::Alloc(type(pj, place));
+			rd.InsertVideoPostLast(post);
+			begin(*post, pj, place, nullptr);
+			const Json* enabled = find(pj, "enabled");
+			if(enabled && !boolean(*enabled, member(place, "enabled")))
+				post->SetInfo(post->GetInfo() | VIDEOPOST_DISABLED);
+		}
+	}
+
+	void readSettings(BaseDocument& doc, const Json& root) const
+	{
+		if(const Json* unit = find(root, "unit"))
+			doc.SetUnit(named(DocumentTables::units, *unit, "unit"));
+		if(const Json* fps = find(root, "fps"))
+		{
+			const int32_t rate = integer(*fps, "fps");
+			if(rate < 1)
+				fail("fps", "the frame rate must be at least 1");
+			doc.SetFps(rate);
+		}
+		if(const Json* t = find(root, "time"))
+			doc.SetTime(time(*t, "time"));
+		if(const Json* camera = find(root, "camera"))
+			doc.SetActiveCamera(static_cast<BaseObject*>(lookUp(objectNames, "object", *camera, "camera")));
+		const Json* path = find(root, "path");
+		const Json* name = find(root, "name");
+		doc.SetDocumentPath(path ? Filename(String(text(*path, "path"))) : Filename(String(fileName())).GetDirectory());
+		doc.SetDocumentName(name ? Filename(String(text(*name, "name"))) : Filename(String(fileName())).GetFile());
+	}
+
+	BaseList2D* lookUp(const Names& names, const char* kind, const Json& j, const std::string& place) const
+	{
+		const std::string name = text(j, place);
+		const auto found = names.find(name);
+		if(found == names.end())
+			fail(place, std::string("no ") + kind + " named '" + name + "'");
+		return found->second;
+	}
+
+	// Objects first, then materials, then layers, as the first of the name.
+	BaseList2D* linkTarget(const Json& j, const std::string& place) const
+	{
+		if(j.is_null())
+			return nullptr;
+		const std::string name = text(j, place);
+		for(const Names* names : {&objectNames, &materialNames, &layerNames})
+		{
+			const auto found = names->find(name);
+			if(found != names->end())
+				return found->second;
+		}
+		fail(place, "the link names '" + name + "', but there is no object, material or layer of that name");
+	}
+
+	void readParams(BaseContainer& bc, const Json& list, const std::string& place) const
+	{
+		std::set<int32_t> seen;
+		for(size_t i = 0; i < array(list, place).size(); ++i)
+		{
+			const Json& j = list[i];
+			const std::string at = element(place, i);
+			checkKeys(j, at, {"id", "type", "value"});
+			const int32_t id = integer(required(j, at, "id"), member(at, "id"));
+			if(!seen.insert(id).second)
+				fail(member(at, "id"), "parameter " + std::to_string(id) + " is given twice");
+			bc.SetData(id, param(j, at));
+		}
+	}
+
+	// A parameter type that has a value, and how the value is read.
+	struct ParamType
+	{
+		const char* name;
+		GeData (*read)(const Reader&, const Json&, const std::string&);
+	};
+
+	GeData param(const Json& j, const std::string& place) const
+	{
+		static constexpr ParamType paramTypes[] = {
+			{"bool", [](const Reader& r, const Json& v, const std::string& at) { return GeData((int32_t)r.boolean(v, at)); }},
+			{"long", [](const Reader& r, const Json& v, const std::string& at) { return GeData(r.integer(v, at)); }},
+			{"real", [](const Reader& r, const Json& v, const std::string& at) { return GeData(r.number(v, at)); }},
+			{"vector", [](const Reader& r, const Json& v, const std::string& at) { return GeData(r.vector(v, at)); }},
+			{"string", [](const Reader& r, const Json& v, const std::string& at) { return GeData(String(r.text(v, at))); }},
+			{"filename",
+				[](const Reader& r, const Json& v, const std::string& at) { return GeData(Filename(String(r.text(v, at)))); }},
+			{"time", [](const Reader& r, const Json& v, const std::string& at) { return GeData(r.time(v, at)); }},
+			{"link", [](const Reader& r, const Json& v, const std::string& at) { return GeData(r.linkTarget(v, at)); }},
+			{"container", [](const Reader& r, const Json& v, const std::string& at) { return GeData(r.container(v, at)); }},
+		};
+		const std::string kind = text(required(j, place, "type"), member(place, "type"));
+		if(kind == "none")
+		{
+			if(find(j, "value"))
+				fail(member(place, "value"), "a parameter of type none has no value");
+			return GeData();
+		}
+		const Json& v = required(j, place, "value");
+		const std::string at = member(place, "value");
+		for(const ParamType& t : paramTypes)
+			if(kind == t.name)
+				return t.read(*this, v, at);
+		std::string choices;
+		for(const ParamType& t : paramTypes)
+			choices += std::string(t.name) + ", ";
+		fail(member(place, "type"), "unknown parameter type '" + kind + "' (one of " + choices + "none)");
+	}
+
+	BaseContainer container(const Json& j, const std::string& place) const
+	{
+		checkKeys(j, place, {"id", "params"});
+		BaseContainer bc(integer(required(j, place, "id"), member(place, "id")));
+		readParams(bc, required(j, place, "params"), member(place, "params"));
+		return bc;
+	}
+
+	std::vector<Pending> pending;
+	Names objectNames, materialNames, layerNames;
+};
+
+// The line and column (from 1) of the byte at offset in text.
+std::string lineAndColumn(const std::string& text, size_t offset)
+{
+	offset = std::min(offset, text.size());
+	size_t line = 1, lineStart = 0;
+	for(size_t i = 0; i < offset; ++i)
+		if(text[i] == '\n')
+			++line, lineStart = i + 1;
+	return std::to_string(line) + ":" + std::to_string(offset - lineStart + 1);
+}
+
+} // namespace
+
+BaseDocument* ReadDocumentText(const std::string& text, const Filename& file)
+{
+	Json root;
+	try
+	{
+		root = Json::parse(text);
+	}
+	catch(const Json::parse_error& e)
+	{
+		// e.byte counts from 1 and points at the byte where reading stopped.
+		throw DocumentFileExcep(file.GetString().GetStdString() + ":" +
+			lineAndColumn(text, e.byte ? e.byte - 1 : 0) + ": not valid JSON");
+	}
+	return Reader(file).read(root);
+}
+
+BaseDocument* LoadDocumentFile(const Filename& file)
+{
+	std::string text;
+	FileUtils::readEntireFile(file.GetString().GetStdString(), text);
+	return ReadDocumentText(text, file);
+}
