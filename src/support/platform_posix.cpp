@@ -237,6 +237,18 @@ std::string getEnvironmentVariable(const std::string& name)
 	return value;
 }
 
+void setEnvironmentVariable(const std::string& name, const std::string& value)
+{
+	if(::setenv(name.c_str(), value.c_str(), 1) != 0)
+		throw PlatformUtilsExcep("setEnvironmentVariable failed: " + getLastErrorString());
+}
+
+std::string readUserRegistryString(const std::string&, const std::string&)
+{
+	// This system has no registry: every key counts as absent.
+	return std::string();
+}
+
 std::string getLoggedInUserName()
 {
 	if(const char* user = environmentValue("USERNAME"))

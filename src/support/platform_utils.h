@@ -36,6 +36,11 @@ std::string getErrorString(int code);
 // 0: below normal, 1: normal.
 void setThisProcessPriority(int level);
 std::string getEnvironmentVariable(const std::string& name);
+void setEnvironmentVariable(const std::string& name, const std::string& value);
+// A text value of a key under the current user's hive of the system
+// registry, or an empty text when the key, the value or the registry itself
+// is missing (as on systems that have none).
+std::string readUserRegistryString(const std::string& key, const std::string& value_name);
 std::string getLoggedInUserName();
 
 } // namespace PlatformUtils
