@@ -147,9 +147,11 @@ int32_t parseIntWithDefault(const TiXmlElement& parent, const char* name, int32_
 	return parent.FirstChildElement(name) ? parseInt(parent, name) : default_value;
 }
 
-uint32_t parseUInt(const TiXmlElement& parent, const char* name)
+uint32_t parseUInt(const TiXmlElement& parent, const char* name) { return parseUIntText(requireChild(parent, name)); }
+
+uint32_t parseUIntText(const TiXmlElement& element)
 {
-	return (uint32_t)readInteger(requireChild(parent, name), "unsigned integer", 0, std::numeric_limits<uint32_t>::max());
+	return (uint32_t)readInteger(element, "unsigned integer", 0, std::numeric_limits<uint32_t>::max());
 }
 
 uint32_t parseUIntWithDefault(const TiXmlElement& parent, const char* name, uint32_t default_value)

@@ -31,6 +31,8 @@ std::string parseStringWithDefault(const TiXmlElement& parent, const char* name,
 int32_t parseInt(const TiXmlElement& parent, const char* name);
 int32_t parseIntWithDefault(const TiXmlElement& parent, const char* name, int32_t default_value);
 uint32_t parseUInt(const TiXmlElement& parent, const char* name);
+// The unsigned integer in the text of element itself, as parseUInt reads a child's.
+uint32_t parseUIntText(const TiXmlElement& element);
 uint32_t parseUIntWithDefault(const TiXmlElement& parent, const char* name, uint32_t default_value);
 double parseDouble(const TiXmlElement& parent, const char* name);
 double parseDoubleWithDefault(const TiXmlElement& parent, const char* name, double default_value);

@@ -7,7 +7,6 @@
 #include "support/file_utils.h"
 #include "support/string_utils.h"
 
-#include <limits>
 
 namespace Velorn
 {
@@ -19,23 +18,8 @@ using namespace SceneParseUtils;
 namespace
 {
 
-const char* const white_space = " \t\n\r";
-
-// The UID in the text of element itself, read by the rules and with the
-// messages by which parseUInt reads the text of a child.
-UID uidOfText(const TiXmlElement& element)
-{
-	const std::string text = elementText(element);
-	const size_t start = text.find_first_not_of(white_space);
-	int64_t value = 0;
-	size_t consumed = 0;
-	if(start == std::string::npos || !parseInt64Prefix(text.data() + start, text.size() - start, value, consumed) ||
-		value < 0 || value > std::numeric_limits<uint32_t>::max())
-		throw SceneParserExcep("Failed to parse unsigned integer from '" + text + "'." + errorContext(element));
-	if(text.find_first_not_of(white_space, start + consumed) != std::string::npos)
-		throw SceneParserExcep("Parse error while parsing unsigned integer from '" + text + "'." + errorContext(element));
-	return UID((uint32_t)value);
-}
+// The UID in the text of element itself.
+UID uidOfText(const TiXmlElement& element) { return UID(parserCall(parseUIntText, element)); }
 
 KeyFrame readKeyFrame(const TiXmlElement& element)
 {
