@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/exceptions.h"
+#include "support/failures.h"
 
 #include <gtest/gtest.h>
 
@@ -15,15 +16,7 @@ namespace VelornTest
 template <class E, class F>
 void expectFailure(F&& f, const std::string& message)
 {
-	try
-	{
-		f();
-		ADD_FAILURE() << "expected the failure \"" << message << "\", got none";
-	}
-	catch(const E& e)
-	{
-		EXPECT_EQ(e.what(), message);
-	}
+	EXPECT_EQ(VelornTest::failureOf<E>(f), message);
 }
 
 // Runs f and expects a VelornException with exactly this message.

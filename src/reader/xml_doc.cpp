@@ -3,6 +3,7 @@
 #include "reader/xml_nesting.h"
 
 #include "support/exceptions.h"
+#include "support/file_utils.h"
 #include "support/platform.h"
 
 #include <cerrno>
@@ -29,13 +30,15 @@ struct FileCloser
 // file loading does.
 std::string readText(const std::string& path)
 {
-	FileCloser file{Platform::openFile(path, "rb")};
-	if(!file.file)
-		throw VelornException("Failed to open XML doc from path '" + path + "': " + Platform::lastErrorString());
 	std::string raw;
-	char buffer[1 << 16];
-	for(size_t n; (n = std::fread(buffer, 1, sizeof(buffer), file.file)) > 0;)
-		raw.append(buffer, n);
+	try
+	{
+		FileUtils::readEntireFile(path, raw);
+	}
+	catch(const FileUtilsExcep&)
+	{
+		throw VelornException("Failed to open XML doc from path '" + path + "': " + Platform::lastErrorString());
+	}
 	std::string text;
 	text.reserve(raw.size());
 	for(size_t i = 0; i < raw.size(); ++i)

@@ -1,6 +1,7 @@
 #include "support/string_utils.h"
 
 #include "support/exceptions.h"
+#include "support/failures.h"
 
 #include <gtest/gtest.h>
 
@@ -11,23 +12,6 @@
 
 using namespace Velorn;
 
-namespace
-{
-
-std::string failureOf(void (*f)(const std::string&), const std::string& s)
-{
-	try
-	{
-		f(s);
-	}
-	catch(const VelornException& e)
-	{
-		return e.what();
-	}
-	return "(no failure)";
-}
-
-} // namespace
 
 TEST(StringUtils, TextToNumbersIgnoresTheLocale)
 {
@@ -42,10 +26,10 @@ TEST(StringUtils, TextToNumbersIgnoresTheLocale)
 	EXPECT_EQ(sceneNumberText(1.5), "1.5");
 	std::setlocale(LC_ALL, saved.c_str());
 
-	EXPECT_EQ(failureOf([](const std::string& s) { stringToDouble(s); }, "1,5"), "Failed to convert '1,5' to a double.");
-	EXPECT_EQ(failureOf([](const std::string& s) { stringToFloat(s); }, ""), "Failed to convert '' to a float.");
-	EXPECT_EQ(failureOf([](const std::string& s) { stringToFloat(s); }, "NaN"), "Failed to convert 'NaN' to a float.");
-	EXPECT_EQ(failureOf([](const std::string& s) { stringToDouble(s); }, "2x"), "Failed to convert '2x' to a double.");
+	EXPECT_EQ(VelornTest::failureOf([] { stringToDouble("1,5"); }), "Failed to convert '1,5' to a double.");
+	EXPECT_EQ(VelornTest::failureOf([] { stringToFloat(""); }), "Failed to convert '' to a float.");
+	EXPECT_EQ(VelornTest::failureOf([] { stringToFloat("NaN"); }), "Failed to convert 'NaN' to a float.");
+	EXPECT_EQ(VelornTest::failureOf([] { stringToDouble("2x"); }), "Failed to convert '2x' to a double.");
 	EXPECT_EQ(stringToDouble("-1e-7"), -1e-7);
 }
 
@@ -53,17 +37,17 @@ TEST(StringUtils, Integers)
 {
 	EXPECT_EQ(stringToInt("12abc"), 12);
 	EXPECT_EQ(stringToInt("-42"), -42);
-	EXPECT_EQ(failureOf([](const std::string& s) { stringToInt(s); }, ""), "Failed to convert '' to an int.");
-	EXPECT_EQ(failureOf([](const std::string& s) { stringToInt(s); }, "abc"), "Failed to convert 'abc' to an int.");
+	EXPECT_EQ(VelornTest::failureOf([] { stringToInt(""); }), "Failed to convert '' to an int.");
+	EXPECT_EQ(VelornTest::failureOf([] { stringToInt("abc"); }), "Failed to convert 'abc' to an int.");
 
 	EXPECT_EQ(stringToUInt64(""), 0u);
 	EXPECT_EQ(stringToUInt64("18446744073709551615"), std::numeric_limits<uint64_t>::max());
 	EXPECT_EQ(stringToUInt64("000000000000000000000000042"), 42u);
-	EXPECT_EQ(failureOf([](const std::string& s) { stringToUInt64(s); }, "18446744073709551616"),
+	EXPECT_EQ(VelornTest::failureOf([] { stringToUInt64("18446744073709551616"); }),
 		"Failed to convert '18446744073709551616' to an uint64: Value is too large.");
-	EXPECT_EQ(failureOf([](const std::string& s) { stringToUInt64(s); }, "100000000000000000000"),
+	EXPECT_EQ(VelornTest::failureOf([] { stringToUInt64("100000000000000000000"); }),
 		"Failed to convert '100000000000000000000' to an uint64: Value is too large.");
-	EXPECT_EQ(failureOf([](const std::string& s) { stringToUInt64(s); }, "12a4"),
+	EXPECT_EQ(VelornTest::failureOf([] { stringToUInt64("12a4"); }),
 		"Failed to convert '12a4' to an uint64: Invalid character 'a'.");
 
 	EXPECT_EQ(toString((int32_t)-2147483647 - 1), "-2147483648");
@@ -88,7 +72,7 @@ TEST(StringUtils, Hex)
 
 	EXPECT_EQ(hexStringToBytes("00ff7A"), (std::vector<unsigned char>{0x00, 0xff, 0x7a}));
 	EXPECT_EQ(hexStringToBytes("zz1q"), (std::vector<unsigned char>{0x00, 0x10}));
-	EXPECT_EQ(failureOf([](const std::string& s) { hexStringToBytes(s); }, "abc"),
+	EXPECT_EQ(VelornTest::failureOf([] { hexStringToBytes("abc"); }),
 		"Hex string must have an even number of hex chars.");
 }
 
