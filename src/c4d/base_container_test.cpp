@@ -53,10 +53,11 @@ TEST(BaseContainer, TypedGettersGiveTheDefaultForOtherTypes)
 	{
 		SCOPED_TRACE(t.id);
 		EXPECT_EQ(bc.GetData(t.id).GetType(), t.type);
-		// Each getter gives the stored value for its own id only.
-		EXPECT_EQ(bc.GetInt32(t.id, -1), t.id == 1 ? 42 : -1);
+		// Each getter gives the stored value for its own id only; numbers
+		// convert between long and real (0.25 truncates to 0).
+		EXPECT_EQ(bc.GetInt32(t.id, -1), t.id == 1 ? 42 : t.id == 2 ? 0 : -1);
 		EXPECT_EQ(bc.GetBool(t.id, false), t.id == 1);
-		EXPECT_EQ(bc.GetFloat(t.id, -1.5), t.id == 2 ? 0.25 : -1.5);
+		EXPECT_EQ(bc.GetFloat(t.id, -1.5), t.id == 2 ? 0.25 : t.id == 1 ? 42.0 : -1.5);
 		EXPECT_EQ(bc.GetVector(t.id, vectorPreset), t.id == 3 ? Vector(1, 2, 3) : vectorPreset);
 		EXPECT_EQ(bc.GetString(t.id, "preset"), String(t.id == 4 ? "text" : "preset"));
 		EXPECT_EQ(bc.GetFilename(t.id, filenamePreset), t.id == 5 ? Filename("/tmp/a.vls") : filenamePreset);
@@ -142,7 +143,9 @@ TEST(GeData, Values)
 {
 	EXPECT_EQ(GeData().GetType(), DA_NIL);
 	EXPECT_EQ(GeData(3).GetInt32(), 3);
-	EXPECT_EQ(GeData(3).GetFloat(), 0);
+	EXPECT_EQ(GeData(3).GetFloat(), 3.0);
+	EXPECT_EQ(GeData(1800.0).GetInt32(), 1800);
+	EXPECT_EQ(GeData(-2.75).GetInt32(), -2);
 	EXPECT_EQ(GeData(0.5).GetFloat(), 0.5);
 	EXPECT_EQ(GeData("s").GetType(), DA_STRING);
 	EXPECT_EQ(GeData(3), GeData(3));

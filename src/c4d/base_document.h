@@ -8,6 +8,8 @@
 #include "c4d/layer_object.h"
 #include "c4d/render_data.h"
 
+class BaseDraw;
+
 // The length units a document can be set to, by the application's numbering
 // of its unit preference.
 enum
@@ -61,6 +63,8 @@ public:
 	// freed, so whoever frees the camera clears it first.
 	BaseObject* GetActiveCamera() const { return camera; }
 	void SetActiveCamera(BaseObject* op) { camera = op; }
+	// The editor view the document is shown in (base_draw.h).
+	BaseDraw* GetActiveBaseDraw() const;
 
 	// The directory of the document's file, and the file name.
 	const Filename& GetDocumentPath() const { return path; }
@@ -68,8 +72,10 @@ public:
 	const Filename& GetDocumentName() const { return name; }
 	void SetDocumentName(const Filename& n) { name = n; }
 
-	// One of the DOCUMENT_UNIT_ constants; other values are refused.
-	int32_t GetUnit() const { return unit; }
+	// One of the DOCUMENT_UNIT_ constants; other values are refused. The
+	// unit is the host's unit preference (WPREF_UNITS), shared by all
+	// documents as in the application.
+	int32_t GetUnit() const;
 	bool SetUnit(int32_t unit_);
 	// The length of one host unit in metres.
 	double GetUnitScale() const;
@@ -85,5 +91,4 @@ private:
 	BaseObject* camera = nullptr;
 	Filename path;
 	Filename name;
-	int32_t unit = DOCUMENT_UNIT_CM;
 };

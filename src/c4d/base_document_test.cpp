@@ -1,4 +1,5 @@
 #include "c4d/base_document.h"
+#include "c4d/plugin_test_helpers.h"
 
 #include <gtest/gtest.h>
 
@@ -75,6 +76,7 @@ TEST(BaseDocument, RenderDataVideoPosts)
 	ASSERT_NE(rd, nullptr);
 	EXPECT_EQ(rd->GetFirstVideoPost(), nullptr);
 	rd->GetDataInstance()->SetInt32(5, 640);
+	registerPlainPlugins(PluginKind::VideoPost, {1, 2, 3});
 	BaseVideoPost* first = BaseVideoPost::Alloc(1);
 	BaseVideoPost* second = BaseVideoPost::Alloc(2);
 	BaseVideoPost* third = BaseVideoPost::Alloc(3);

@@ -70,6 +70,7 @@ void GeListNode::freeNode(GeListNode* node)
 {
 	if(!node)
 		return;
+	node->beforeFree();
 	node->Remove();
 	delete node;
 }
@@ -100,4 +101,17 @@ void GeListHead::Insert(GeListNode* node, GeListNode* pred)
 		node->InsertAfter(pred);
 	else
 		InsertFirst(node);
+}
+
+BaseList2D::~BaseList2D()
+{
+	BaseList2D::beforeFree();
+}
+
+void BaseList2D::beforeFree()
+{
+	if(!nodeData)
+		return;
+	nodeData->Free(this);
+	nodeData.reset();
 }

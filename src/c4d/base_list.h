@@ -2,6 +2,7 @@
 
 #include "c4d/base_container.h"
 #include "c4d/c4d_string.h"
+#include "c4d/node_data.h"
 
 #include <cstdint>
 #include <list>
@@ -63,6 +64,11 @@ public:
 	// Takes the node out of its list; the caller owns it afterwards.
 	void Remove();
 
+protected:
+	// Runs when Free is called on this node, while it is still in its list,
+	// so that what the node lets go of can still see where it was.
+	virtual void beforeFree() {}
+
 private:
 	friend class GeListHead;
 	using NodeList = std::list<std::unique_ptr<GeListNode>>;
@@ -106,10 +112,20 @@ private:
 
 // A list node with a name, a container of parameters, info flags (fixed by
 // the kind of node, such as OBJECT_CAMERADEPENDENT) and state bits.
+//
+// A node of a plug-in type also carries the plug-in's NodeData, which it
+// owns and lets go (NodeData::Free) when it is freed: before it leaves its
+// list when Free is called on it, else as it is deleted with its parent.
 class BaseList2D : public GeListNode
 {
 public:
 	explicit BaseList2D(int32_t type_) : GeListNode(type_) {}
+	~BaseList2D() override;
+
+	// The plug-in's data of the node; null for the host's own types.
+	NodeData* GetNodeData() const { return nodeData.get(); }
+	// The host hands a new node its plug-in data (InitNode).
+	void SetNodeData(std::unique_ptr<NodeData> data) { nodeData = std::move(data); }
 
 	const String& GetName() const { return name; }
 	void SetName(const String& name_) { name = name_; }
@@ -128,11 +144,15 @@ public:
 	void DelBit(int32_t mask) { bits &= ~mask; }
 	int32_t GetAllBits() const { return bits; }
 
+protected:
+	void beforeFree() override;
+
 private:
 	String name;
 	BaseContainer data;
 	int32_t info = 0;
 	int32_t bits = 0;
+	std::unique_ptr<NodeData> nodeData;
 };
 
 // Navigation typed as T, for node classes whose lists hold only their own

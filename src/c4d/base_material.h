@@ -1,6 +1,7 @@
 #pragma once
 
 #include "c4d/base_list.h"
+#include "c4d/plugin_registry.h"
 
 // The application's standard material.
 enum
@@ -14,6 +15,7 @@ class BaseMaterial : public TypedList2D<BaseMaterial>
 public:
 	using TypedList2D::TypedList2D;
 
-	// A free material of the given type.
-	static BaseMaterial* Alloc(int32_t type) { return new BaseMaterial(type); }
+	// A free material of the given type with its defaults; null when the
+	// type is neither the host's material nor a registered material plug-in.
+	static BaseMaterial* Alloc(int32_t type) { return InitOrFree(new BaseMaterial(type), NodeClass::Material); }
 };

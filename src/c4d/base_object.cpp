@@ -1,6 +1,7 @@
 #include "c4d/base_object.h"
 
 #include "c4d/layer_object.h"
+#include "c4d/plugin_registry.h"
 #include "c4d/polygon_object.h"
 
 namespace
@@ -24,7 +25,7 @@ BaseObject* BaseObject::Alloc(int32_t type)
 {
 	if(type == Opolygon)
 		return PolygonObject::Alloc(0, 0);
-	return new BaseObject(type);
+	return InitOrFree(new BaseObject(type), NodeClass::Object);
 }
 
 BaseObject* BaseObject::matrixParent() const
@@ -57,7 +58,8 @@ BaseTag* BaseObject::GetTag(int32_t type, int32_t nr) const
 BaseTag* BaseObject::MakeTag(int32_t type, BaseTag* pred)
 {
 	BaseTag* tag = BaseTag::Alloc(type);
-	InsertTag(tag, pred);
+	if(tag)
+		InsertTag(tag, pred);
 	return tag;
 }
 

@@ -22,8 +22,9 @@ class BaseTag : public TypedList2D<BaseTag>
 public:
 	using TypedList2D::TypedList2D;
 
-	// A free tag of the given type.
-	static BaseTag* Alloc(int32_t type) { return new BaseTag(type); }
+	// A free tag of the given type with its defaults; null when the type
+	// is neither a host tag nor a registered tag plug-in.
+	static BaseTag* Alloc(int32_t type);
 
 	// The object whose tag list holds this tag; null for a free tag.
 	BaseObject* GetObject() const;

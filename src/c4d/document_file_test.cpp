@@ -1,6 +1,8 @@
 #include "c4d/document_file.h"
 #include "c4d/node_defaults.h"
+#include "c4d/plugin_test_helpers.h"
 #include "c4d/polygon_object.h"
+#include "c4d/world_preferences.h"
 
 #include "support/test_files.h"
 
@@ -19,13 +21,22 @@ using DocPtr = std::unique_ptr<BaseDocument, FreeDocument>;
 
 const std::string EXAMPLE = VelornTest::testDataPath("../docs/document-format-example.json");
 
+// The example and some tests name the renderer's video post, a plug-in: a
+// plain one stands in for it here.
+void registerVideoPost()
+{
+	registerPlainPlugins(PluginKind::VideoPost, {1020896});
+}
+
 DocPtr loadExample()
 {
+	registerVideoPost();
 	return DocPtr(LoadDocumentFile(Filename(String(EXAMPLE))));
 }
 
 DocPtr read(const std::string& text, const std::string& file = "scene.json")
 {
+	registerVideoPost();
 	return DocPtr(ReadDocumentText(text, Filename(String(file))));
 }
 
@@ -173,14 +184,14 @@ TEST(DocumentFile, ExampleTagsMaterialsLayersRender)
 	EXPECT_EQ(rd->GetDataInstance()->GetInt32(6), 720);
 	const BaseVideoPost* velorn = rd->GetFirstVideoPost();
 	ASSERT_NE(velorn, nullptr);
-	EXPECT_EQ(velorn->GetType(), 1030000);
+	EXPECT_EQ(velorn->GetType(), 1020896);
 	EXPECT_EQ(velorn->GetInfo() & VIDEOPOST_DISABLED, 0);
-	EXPECT_EQ(velorn->GetDataInstance()->GetFloat(10), 1.5);
-	const BaseVideoPost* glow = velorn->GetNext();
-	ASSERT_NE(glow, nullptr);
-	EXPECT_EQ(glow->GetName(), String("Glow"));
-	EXPECT_NE(glow->GetInfo() & VIDEOPOST_DISABLED, 0);
-	EXPECT_EQ(glow->GetNext(), nullptr);
+	EXPECT_EQ(velorn->GetDataInstance()->GetFloat(1332), 1.5);
+	const BaseVideoPost* draft = velorn->GetNext();
+	ASSERT_NE(draft, nullptr);
+	EXPECT_EQ(draft->GetName(), String("Velorn draft"));
+	EXPECT_NE(draft->GetInfo() & VIDEOPOST_DISABLED, 0);
+	EXPECT_EQ(draft->GetNext(), nullptr);
 }
 
 TEST(DocumentFile, PolygonGeometryInlineAndFromModel)
@@ -246,6 +257,8 @@ TEST(DocumentFile, SavedAndLoadedAgainIsTheSame)
 
 TEST(DocumentFile, WrittenText)
 {
+	// The unit is the host's preference, which earlier documents may have set.
+	ResetWorldPreferences();
 	BaseDocument doc;
 	doc.SetFps(24);
 	BaseObject* cube = BaseObject::Alloc(Ocube);
@@ -357,8 +370,16 @@ TEST(DocumentFile, BadDocuments)
 			"scene.json: objects[0].polygons[0][2]: point index 3 is out of range (3 points)"},
 		{obj + R"({"type": 5100, "polygons": [[0, 1]]}]})",
 			"scene.json: objects[0].polygons[0]: expected an array of three or four point indices"},
-		{R"({"version": 1, "render": {"videoposts": [{"type": 1, "enabled": "no"}]}})",
+		{R"({"version": 1, "render": {"videoposts": [{"type": 1020896, "enabled": "no"}]}})",
 			"scene.json: render.videoposts[0].enabled: expected true or false"},
+		{R"({"version": 1, "render": {"videoposts": [{"type": 77}]}})",
+			"scene.json: render.videoposts[0].type: unknown video post type 77: neither a type of the host nor a "
+			"registered plug-in"},
+		{obj + R"({"type": 5100, "tags": [{"type": 1020896}]}]})",
+			"scene.json: objects[0].tags[0].type: unknown tag type 1020896: neither a type of the host nor a "
+			"registered plug-in"},
+		{obj + R"({"type": 77}]})",
+			"scene.json: objects[0].type: unknown object type 77: neither a type of the host nor a registered plug-in"},
 	};
 	for(const auto& t : cases)
 	{

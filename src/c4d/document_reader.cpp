@@ -1,5 +1,4 @@
 #include "c4d/document_checks.h"
-#include "c4d/node_defaults.h"
 #include "c4d/polygon_object.h"
 
 #include "mesh/mesh.h"
@@ -37,6 +36,8 @@ public:
 			"objects", "render"});
 		readVersion(root);
 		std::unique_ptr<BaseDocument, FreeDocument> doc(BaseDocument::Alloc());
+		// The unit comes first: plug-in nodes read it in their Init.
+		readUnit(*doc, root);
 		readLayers(*doc, root);
 		readMaterials(*doc, root);
 		if(const Json* objects = find(root, "objects"))
@@ -70,7 +71,6 @@ private:
 	// names, when given, is where links and references find the node.
 	void begin(BaseList2D& node, const Json& j, const std::string& place, Names* names)
 	{
-		ApplyNodeDefaults(node);
 		if(const Json* name = find(j, "name"))
 			node.SetName(String(text(*name, member(place, "name"))));
 		if(names && node.GetName().Content())
@@ -79,9 +79,18 @@ private:
 			pending.push_back({&node, &array(*params, member(place, "params")), member(place, "params")});
 	}
 
-	int32_t type(const Json& j, const std::string& place) const
+	// A new node of the type the element names, with its defaults; an
+	// unknown type fails.
+	template<typename T>
+	T* allocate(const Json& j, const std::string& place, const char* kind) const
 	{
-		return integer(required(j, place, "type"), member(place, "type"));
+		const std::string typePlace = member(place, "type");
+		const int32_t type = integer(required(j, place, "type"), typePlace);
+		T* node = T::Alloc(type);
+		if(!node)
+			fail(typePlace, "unknown " + std::string(kind) + " type " + std::to_string(type) +
+				": neither a type of the host nor a registered plug-in");
+		return node;
 	}
 
 	void readLayers(BaseDocument& doc, const Json& root)
@@ -113,7 +122,7 @@ private:
 			const Json& j = (*materials)[i];
 			const std::string place = element("materials", i);
 			checkKeys(j, place, {"type", "name", "params"});
-			BaseMaterial* mat = BaseMaterial::Alloc(type(j, place));
+			BaseMaterial* mat = allocate<BaseMaterial>(j, place, "material");
 			doc.InsertMaterial(mat, pred);
 			begin(*mat, j, place, &materialNames);
 			pred = mat;
@@ -135,7 +144,7 @@ private:
 	{
 		checkKeys(j, place, {"type", "name", "matrix", "render_mode", "editor_mode", "enabled", "layer", "params",
 			"tags", "children", "points", "polygons", "model"});
-		BaseObject* op = BaseObject::Alloc(type(j, place));
+		BaseObject* op = allocate<BaseObject>(j, place, "object");
 		doc.InsertObject(op, parent, pred);
 		begin(*op, j, place, &objectNames);
 		if(const Json* matrix = find(j, "matrix"))
@@ -176,7 +185,7 @@ private:
 			const Json& tj = (*tags)[i];
 			const std::string tagPlace = element(tagsPlace, i);
 			checkKeys(tj, tagPlace, {"type", "name", "params"});
-			BaseTag* tag = BaseTag::Alloc(type(tj, tagPlace));
+			BaseTag* tag = allocate<BaseTag>(tj, tagPlace, "tag");
 			op.InsertTag(tag, pred);
 			begin(*tag, tj, tagPlace, nullptr);
 			pred = tag;
@@ -281,7 +290,7 @@ private:
 			const Json& pj = (*posts)[i];
 			const std::string place = element("render.videoposts", i);
 			checkKeys(pj, place, {"type", "name", "enabled", "params"});
-			BaseVideoPost* post = BaseVideoPost::Alloc(type(pj, place));
+			BaseVideoPost* post = allocate<BaseVideoPost>(pj, place, "video post");
 			rd.InsertVideoPostLast(post);
 			begin(*post, pj, place, nullptr);
 			const Json* enabled = find(pj, "enabled");
@@ -290,10 +299,14 @@ private:
 		}
 	}
 
+	void readUnit(BaseDocument& doc, const Json& root) const
+	{
+		const Json* unit = find(root, "unit");
+		doc.SetUnit(unit ? named(DocumentTables::units, *unit, "unit") : DOCUMENT_UNIT_CM);
+	}
+
 	void readSettings(BaseDocument& doc, const Json& root) const
 	{
-		if(const Json* unit = find(root, "unit"))
-			doc.SetUnit(named(DocumentTables::units, *unit, "unit"));
 		if(const Json* fps = find(root, "fps"))
 		{
 			const int32_t rate = integer(*fps, "fps");

@@ -28,3 +28,17 @@ bool GeData::operator==(const GeData& o) const
 		return container && other && *container == *other;
 	return value == o.value;
 }
+
+int32_t GeData::GetInt32(int32_t preset) const
+{
+	if(const double* real = std::get_if<double>(&value))
+		return (int32_t)*real;
+	return get(preset);
+}
+
+double GeData::GetFloat(double preset) const
+{
+	if(const int32_t* integer = std::get_if<int32_t>(&value))
+		return *integer;
+	return get(preset);
+}

@@ -45,9 +45,11 @@ public:
 	// One of the DA_ constants.
 	int32_t GetType() const;
 
-	// The value when it has the asked type, otherwise preset.
-	int32_t GetInt32(int32_t preset = 0) const { return get(preset); }
-	double GetFloat(double preset = 0) const { return get(preset); }
+	// The value when it has the asked type, otherwise preset. Numbers
+	// convert as in the application: a real read as a long is truncated
+	// towards zero, a long read as a real is its value.
+	int32_t GetInt32(int32_t preset = 0) const;
+	double GetFloat(double preset = 0) const;
 	Vector GetVector(const Vector& preset = Vector()) const { return get(preset); }
 	String GetString(const String& preset = String()) const { return get(preset); }
 	Filename GetFilename(const Filename& preset = Filename()) const { return get(preset); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "c4d/base_list.h"
+#include "c4d/plugin_registry.h"
 
 // Info flag of a video post that the user switched off.
 enum
@@ -14,8 +15,9 @@ class BaseVideoPost : public TypedList2D<BaseVideoPost>
 public:
 	using TypedList2D::TypedList2D;
 
-	// A free video post of the given type.
-	static BaseVideoPost* Alloc(int32_t type) { return new BaseVideoPost(type); }
+	// A free video post of the given type with its defaults; null when no
+	// video post plug-in of that type is registered.
+	static BaseVideoPost* Alloc(int32_t type) { return InitOrFree(new BaseVideoPost(type), NodeClass::VideoPost); }
 };
 
 // The type of render data nodes, a number of this host's own.

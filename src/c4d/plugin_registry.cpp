@@ -1,0 +1,188 @@
+#include "c4d/plugin_registry.h"
+
+#include "c4d/base_list.h"
+#include "c4d/base_material.h"
+#include "c4d/base_object.h"
+#include "c4d/base_tag.h"
+#include "c4d/node_defaults.h"
+
+#include <algorithm>
+
+namespace
+{
+
+struct HostType
+{
+	NodeClass cls;
+	int32_t type;
+};
+
+// The host's own node types that documents and the plug-in use.
+constexpr HostType hostTypes[] = {
+	{NodeClass::Object, Opolygon},
+	{NodeClass::Object, Olight},
+	{NodeClass::Object, Ocamera},
+	{NodeClass::Object, Oinstance},
+	{NodeClass::Object, Osphere},
+	{NodeClass::Object, Oplane},
+	{NodeClass::Object, Onull},
+	{NodeClass::Object, Ocube},
+	{NodeClass::Object, Odisc},
+	{NodeClass::Object, Ocylinder},
+	{NodeClass::Tag, Tpoint},
+	{NodeClass::Tag, Tpolygon},
+	{NodeClass::Tag, Tphong},
+	{NodeClass::Tag, Ttexture},
+	{NodeClass::Tag, Tmotionblur},
+	{NodeClass::Tag, Tuvw},
+	{NodeClass::Tag, Tpolygonselection},
+	{NodeClass::Material, Mmaterial},
+};
+
+bool isHostType(NodeClass cls, int32_t type)
+{
+	return std::any_of(std::begin(hostTypes), std::end(hostTypes),
+		[&](const HostType& t) { return t.cls == cls && t.type == type; });
+}
+
+// The plug-in kind whose nodes are of the class; commands and the like
+// have no nodes.
+PluginKind kindOf(NodeClass cls)
+{
+	switch(cls)
+	{
+	case NodeClass::Object:
+		return PluginKind::Object;
+	case NodeClass::Tag:
+		return PluginKind::Tag;
+	case NodeClass::Material:
+		return PluginKind::Material;
+	case NodeClass::VideoPost:
+		return PluginKind::VideoPost;
+	}
+	return PluginKind::Command;
+}
+
+bool hasNodes(PluginKind kind)
+{
+	return kind == PluginKind::Tag || kind == PluginKind::Object || kind == PluginKind::VideoPost ||
+		kind == PluginKind::Material || kind == PluginKind::Shader;
+}
+
+PluginRecord nodePlugin(PluginKind kind, int32_t id, const String& name, int32_t info, DataAllocator* allocator,
+	const String& description)
+{
+	PluginRecord record;
+	record.kind = kind;
+	record.id = id;
+	record.name = name;
+	record.info = info;
+	record.allocator = allocator;
+	record.description = description;
+	return record;
+}
+
+} // namespace
+
+PluginRegistry& PluginRegistry::get()
+{
+	static PluginRegistry instance;
+	return instance;
+}
+
+bool PluginRegistry::add(PluginRecord record)
+{
+	if(hasNodes(record.kind) && !record.allocator)
+		return false;
+	std::lock_guard<std::mutex> hold(mutex);
+	for(const auto& r : records)
+		if(r->id == record.id)
+			return false;
+	records.push_back(std::make_unique<PluginRecord>(std::move(record)));
+	return true;
+}
+
+const PluginRecord* PluginRegistry::find(int32_t id) const
+{
+	std::lock_guard<std::mutex> hold(mutex);
+	for(const auto& r : records)
+		if(r->id == id)
+			return r.get();
+	return nullptr;
+}
+
+std::vector<int32_t> PluginRegistry::ids() const
+{
+	std::lock_guard<std::mutex> hold(mutex);
+	std::vector<int32_t> out;
+	for(const auto& r : records)
+		out.push_back(r->id);
+	return out;
+}
+
+void PluginRegistry::clear()
+{
+	std::lock_guard<std::mutex> hold(mutex);
+	records.clear();
+}
+
+bool RegisterTagPlugin(int32_t id, const String& name, int32_t info, DataAllocator* allocator,
+	const String& description, const Filename& icon, int32_t)
+{
+	PluginRecord record = nodePlugin(PluginKind::Tag, id, name, info, allocator, description);
+	record.icon = icon;
+	return PluginRegistry::get().add(std::move(record));
+}
+
+bool RegisterObjectPlugin(int32_t id, const String& name, int32_t info, DataAllocator* allocator,
+	const String& description, const Filename& icon, int32_t)
+{
+	PluginRecord record = nodePlugin(PluginKind::Object, id, name, info, allocator, description);
+	record.icon = icon;
+	return PluginRegistry::get().add(std::move(record));
+}
+
+bool RegisterVideoPostPlugin(int32_t id, const String& name, int32_t info, DataAllocator* allocator,
+	const String& description, int32_t, int32_t priority)
+{
+	PluginRecord record = nodePlugin(PluginKind::VideoPost, id, name, info, allocator, description);
+	record.priority = priority;
+	return PluginRegistry::get().add(std::move(record));
+}
+
+bool RegisterCommandPlugin(int32_t id, const String& name, int32_t info, const Filename& icon, const String& help,
+	CommandData* command)
+{
+	PluginRecord record;
+	record.kind = PluginKind::Command;
+	record.id = id;
+	record.name = name;
+	record.info = info;
+	record.icon = icon;
+	record.help = help;
+	record.command.reset(command);
+	return PluginRegistry::get().add(std::move(record));
+}
+
+bool IsKnownNodeType(NodeClass cls, int32_t type)
+{
+	if(isHostType(cls, type))
+		return true;
+	const PluginRecord* plugin = PluginRegistry::get().find(type);
+	return plugin && plugin->kind == kindOf(cls);
+}
+
+bool InitNode(BaseList2D& node, NodeClass cls)
+{
+	if(isHostType(cls, node.GetType()))
+	{
+		ApplyNodeDefaults(node);
+		return true;
+	}
+	const PluginRecord* plugin = PluginRegistry::get().find(node.GetType());
+	if(!plugin || plugin->kind != kindOf(cls))
+		return false;
+	node.SetNodeData(std::unique_ptr<NodeData>(plugin->allocator()));
+	NodeData* data = node.GetNodeData();
+	return data && data->Init(&node);
+}
