@@ -14,7 +14,7 @@ build: deps
 	cmake --build --preset $(PRESET)
 
 run: build
-	$(BUILD_DIR)/src/cli/velorn sample -o $(OUT)
+	$(BUILD_DIR)/src/cli/velorn export examples/studio.json -o $(OUT)/studio.vls
 
 test: build
 	ctest --preset $(PRESET)

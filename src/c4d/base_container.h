@@ -3,17 +3,24 @@
 #include "c4d/ge_data.h"
 
 #include <cstdint>
+#include <list>
 #include <utility>
-#include <vector>
 
 // Typed values by numeric id, in the order the ids were first set; setting
 // an id again replaces its value in place. A getter whose id is missing or
 // holds another type returns the given default, as in the application.
 // Lookups are linear: the containers of parameters hold tens of entries.
+//
+// An id may also stand more than once, as in menus, whose ids are the kinds
+// of their entries: InsData and InsDataAfter add an entry whatever ids are
+// there already, and everything that goes by id takes the first entry of
+// that id. Entries stay where they are in memory until they are removed, so
+// a pointer to one stays good while others are inserted.
 class BaseContainer
 {
 public:
 	using Entry = std::pair<int32_t, GeData>;
+	using const_iterator = std::list<Entry>::const_iterator;
 
 	explicit BaseContainer(int32_t id_ = 0) : id(id_) {}
 
@@ -25,6 +32,9 @@ public:
 	const GeData& GetData(int32_t key) const;
 	// The value under key, or null.
 	const GeData* GetDataPointer(int32_t key) const;
+	// The container under key, to be changed in place; null when key holds
+	// none. It stays good until its entry is removed or set again.
+	BaseContainer* GetContainerInstance(int32_t key);
 	// False when there was nothing under key.
 	bool RemoveData(int32_t key);
 	void FlushAll() { entries.clear(); }
@@ -50,19 +60,31 @@ public:
 	BaseContainer GetContainer(int32_t key) const;
 	BaseList2D* GetLink(int32_t key, BaseList2D* preset = nullptr) const { return GetData(key).GetLink(preset); }
 
+	// Adds an entry at the end, even when id is there already.
+	GeData* InsData(int32_t id, const GeData& data);
+	// Adds an entry right behind after, an entry of this container; at the
+	// end when after is null or not one of its entries.
+	GeData* InsDataAfter(int32_t id, const GeData& data, const GeData* after);
+
 	// The entries in insertion order.
 	int32_t GetCount() const { return (int32_t)entries.size(); }
-	std::vector<Entry>::const_iterator begin() const { return entries.begin(); }
-	std::vector<Entry>::const_iterator end() const { return entries.end(); }
+	const_iterator begin() const { return entries.begin(); }
+	const_iterator end() const { return entries.end(); }
+	// The id of the entry at index; -1 when there is none.
+	int32_t GetIndexId(int32_t index) const;
+	// The value of the entry at index; null when there is none.
+	GeData* GetIndexData(int32_t index);
+	const GeData* GetIndexData(int32_t index) const;
 
 	// Replaces everything of dest, id included, by a copy of this container.
 	void CopyTo(BaseContainer* dest) const { *dest = *this; }
 
-	// Same id and the same values under the same keys, in whatever order.
+	// Same id and the same values under the same keys, in whatever order
+	// (the entries of one key in the same order).
 	bool operator==(const BaseContainer& o) const;
 	bool operator!=(const BaseContainer& o) const { return !(*this == o); }
 
 private:
 	int32_t id;
-	std::vector<Entry> entries;
+	std::list<Entry> entries;
 };

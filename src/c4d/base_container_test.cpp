@@ -139,6 +139,77 @@ TEST(BaseContainer, CopiesAndEquality)
 	EXPECT_EQ(outer, same);
 }
 
+TEST(BaseContainer, RepeatedIdsAndInsertingBehindAnEntry)
+{
+	BaseContainer bc;
+	GeData* a = bc.InsData(3, "a");
+	bc.InsData(3, "b");
+	bc.InsData(4, "t");
+	GeData* c = bc.InsDataAfter(3, "c", a);
+	bc.InsDataAfter(5, 1, bc.GetIndexData(3)); // behind the last: at the end
+	bc.InsDataAfter(6, 2, nullptr);
+	BaseContainer other;
+	bc.InsDataAfter(7, 3, other.InsData(3, "x")); // not an entry of bc: at the end
+	EXPECT_EQ(idsOf(bc), (std::vector<int32_t>{3, 3, 3, 4, 5, 6, 7}));
+	const char* texts[] = {"a", "c", "b", "t"};
+	for(int32_t i = 0; i < 4; ++i)
+		EXPECT_EQ(bc.GetIndexData(i)->GetString(), String(texts[i])) << i;
+	// Inserting moved nothing.
+	EXPECT_EQ(bc.GetIndexData(0), a);
+	EXPECT_EQ(bc.GetIndexData(1), c);
+	EXPECT_EQ(bc.GetIndexId(6), 7);
+	EXPECT_EQ(bc.GetIndexId(7), -1);
+	EXPECT_EQ(bc.GetIndexId(-1), -1);
+	EXPECT_EQ(bc.GetIndexData(7), nullptr);
+	EXPECT_EQ(static_cast<const BaseContainer&>(bc).GetIndexData(-1), nullptr);
+
+	// Everything by id takes the first entry of the id.
+	EXPECT_EQ(bc.GetString(3), String("a"));
+	bc.SetString(3, "A");
+	EXPECT_EQ(bc.GetIndexData(0)->GetString(), String("A"));
+	EXPECT_EQ(bc.GetIndexData(1)->GetString(), String("c"));
+	EXPECT_TRUE(bc.RemoveData(3));
+	EXPECT_EQ(bc.GetString(3), String("c"));
+	EXPECT_EQ(bc.GetCount(), 6);
+}
+
+TEST(BaseContainer, EqualityComparesTheEntriesOfAnIdInOrder)
+{
+	const auto make = [](std::vector<std::pair<int32_t, const char*>> entries) {
+		BaseContainer bc;
+		for(const auto& e : entries)
+			bc.InsData(e.first, e.second);
+		return bc;
+	};
+	EXPECT_NE(make({{3, "a"}, {3, "a"}}), make({{3, "a"}, {3, "b"}}));
+	EXPECT_NE(make({{3, "a"}, {3, "b"}}), make({{3, "a"}, {3, "a"}}));
+	EXPECT_NE(make({{3, "a"}, {3, "b"}}), make({{3, "b"}, {3, "a"}}));
+	EXPECT_NE(make({{3, "a"}, {3, "b"}}), make({{3, "a"}, {4, "b"}}));
+	EXPECT_EQ(make({{3, "a"}, {4, "t"}, {3, "b"}}), make({{4, "t"}, {3, "a"}, {3, "b"}}));
+}
+
+TEST(BaseContainer, ContainerInstancesChangeTheStoredContainerOnly)
+{
+	BaseContainer inner;
+	inner.SetInt32(1, 1);
+	BaseContainer outer;
+	outer.SetContainer(9, inner);
+	outer.SetInt32(8, 1);
+	const BaseContainer before = outer;
+
+	BaseContainer* instance = outer.GetContainerInstance(9);
+	ASSERT_NE(instance, nullptr);
+	instance->SetInt32(1, 2);
+	EXPECT_EQ(outer.GetContainer(9).GetInt32(1), 2);
+	EXPECT_EQ(before.GetContainer(9).GetInt32(1), 1);
+	EXPECT_EQ(inner.GetInt32(1), 1);
+	// Once it is this container's own, asking again gives the same one.
+	EXPECT_EQ(outer.GetContainerInstance(9), instance);
+	EXPECT_EQ(outer.GetIndexData(0)->GetContainerInstance(), instance);
+	EXPECT_EQ(outer.GetContainerInstance(8), nullptr);
+	EXPECT_EQ(outer.GetContainerInstance(7), nullptr);
+}
+
 TEST(GeData, Values)
 {
 	EXPECT_EQ(GeData().GetType(), DA_NIL);

@@ -289,6 +289,11 @@ TEST(DocumentFile, WrittenText)
 		"\t],\n"
 		"\t\"render\": {\n"
 		"\t\t\"name\": \"\",\n"
+		// New render data holds the host's output size.
+		"\t\t\"params\": [\n"
+		"\t\t\t{\n\t\t\t\t\"id\": 5008,\n\t\t\t\t\"type\": \"long\",\n\t\t\t\t\"value\": 800\n\t\t\t},\n"
+		"\t\t\t{\n\t\t\t\t\"id\": 5009,\n\t\t\t\t\"type\": \"long\",\n\t\t\t\t\"value\": 600\n\t\t\t}\n"
+		"\t\t],\n"
 		"\t\t\"videoposts\": []\n"
 		"\t}\n"
 		"}\n");

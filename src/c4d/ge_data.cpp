@@ -2,7 +2,9 @@
 
 #include "c4d/base_container.h"
 
-GeData::GeData(const BaseContainer& v) : value(std::make_shared<const BaseContainer>(v))
+// The container is made as a changeable object, so that
+// GetContainerInstance may change it once no other value shares it.
+GeData::GeData(const BaseContainer& v) : value(std::make_shared<BaseContainer>(v))
 {
 }
 
@@ -18,6 +20,16 @@ const BaseContainer* GeData::GetContainer() const
 {
 	const auto* stored = std::get_if<std::shared_ptr<const BaseContainer>>(&value);
 	return stored ? stored->get() : nullptr;
+}
+
+BaseContainer* GeData::GetContainerInstance()
+{
+	auto* stored = std::get_if<std::shared_ptr<const BaseContainer>>(&value);
+	if(!stored)
+		return nullptr;
+	if(stored->use_count() > 1)
+		*stored = std::make_shared<BaseContainer>(**stored);
+	return const_cast<BaseContainer*>(stored->get());
 }
 
 bool GeData::operator==(const GeData& o) const

@@ -57,6 +57,10 @@ public:
 	BaseList2D* GetLink(BaseList2D* preset = nullptr) const { return get(preset); }
 	// The stored container, or null when the value is of another type.
 	const BaseContainer* GetContainer() const;
+	// The stored container to be changed in place, or null. Copies of this
+	// value made before keep the container they had; copies made while the
+	// pointer is in use share its changes.
+	BaseContainer* GetContainerInstance();
 
 	// Same type and same value; containers compare by content, links by pointer.
 	bool operator==(const GeData& o) const;

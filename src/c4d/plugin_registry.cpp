@@ -4,9 +4,11 @@
 #include "c4d/base_material.h"
 #include "c4d/base_object.h"
 #include "c4d/base_tag.h"
+#include "c4d/camera_object.h"
 #include "c4d/node_defaults.h"
 
 #include <algorithm>
+
 
 namespace
 {
@@ -15,13 +17,15 @@ struct HostType
 {
 	NodeClass cls;
 	int32_t type;
+	// The values the host gives a new node of the type; null for none.
+	void (*defaults)(BaseContainer&) = nullptr;
 };
 
 // The host's own node types that documents and the plug-in use.
 constexpr HostType hostTypes[] = {
 	{NodeClass::Object, Opolygon},
 	{NodeClass::Object, Olight},
-	{NodeClass::Object, Ocamera},
+	{NodeClass::Object, Ocamera, SetCameraDefaults},
 	{NodeClass::Object, Oinstance},
 	{NodeClass::Object, Osphere},
 	{NodeClass::Object, Oplane},
@@ -39,10 +43,12 @@ constexpr HostType hostTypes[] = {
 	{NodeClass::Material, Mmaterial},
 };
 
-bool isHostType(NodeClass cls, int32_t type)
+const HostType* findHostType(NodeClass cls, int32_t type)
 {
-	return std::any_of(std::begin(hostTypes), std::end(hostTypes),
-		[&](const HostType& t) { return t.cls == cls && t.type == type; });
+	for(const HostType& t : hostTypes)
+		if(t.cls == cls && t.type == type)
+			return &t;
+	return nullptr;
 }
 
 // The plug-in kind whose nodes are of the class; commands and the like
@@ -120,6 +126,13 @@ std::vector<int32_t> PluginRegistry::ids() const
 	return out;
 }
 
+void PluginRegistry::remove(int32_t id)
+{
+	std::lock_guard<std::mutex> hold(mutex);
+	records.erase(std::remove_if(records.begin(), records.end(), [&](const auto& r) { return r->id == id; }),
+		records.end());
+}
+
 void PluginRegistry::clear()
 {
 	std::lock_guard<std::mutex> hold(mutex);
@@ -166,7 +179,7 @@ bool RegisterCommandPlugin(int32_t id, const String& name, int32_t info, const F
 
 bool IsKnownNodeType(NodeClass cls, int32_t type)
 {
-	if(isHostType(cls, type))
+	if(findHostType(cls, type))
 		return true;
 	const PluginRecord* plugin = PluginRegistry::get().find(type);
 	return plugin && plugin->kind == kindOf(cls);
@@ -174,8 +187,10 @@ bool IsKnownNodeType(NodeClass cls, int32_t type)
 
 bool InitNode(BaseList2D& node, NodeClass cls)
 {
-	if(isHostType(cls, node.GetType()))
+	if(const HostType* host = findHostType(cls, node.GetType()))
 	{
+		if(host->defaults)
+			host->defaults(*node.GetDataInstance());
 		ApplyNodeDefaults(node);
 		return true;
 	}

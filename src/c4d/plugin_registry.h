@@ -67,6 +67,8 @@ public:
 	const PluginRecord* find(int32_t id) const;
 	// The ids registered, in the order of registration.
 	std::vector<int32_t> ids() const;
+	// Takes the registration of id out; nothing when there is none.
+	void remove(int32_t id);
 	void clear();
 
 private:

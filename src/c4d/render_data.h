@@ -26,12 +26,20 @@ enum
 	Rbase = 110304,
 };
 
+// Parameters of render data: the output size in pixels.
+enum
+{
+	RDATA_XRES = 5008,
+	RDATA_YRES = 5009,
+};
+
 // A set of render settings: its parameters and its list of video posts, in
 // the order the host runs them.
 class RenderData : public TypedList2D<RenderData>
 {
 public:
-	RenderData() : TypedList2D(Rbase), videoPosts(this) {}
+	// New render data renders 800 by 600 pixels.
+	RenderData();
 
 	static RenderData* Alloc() { return new RenderData(); }
 

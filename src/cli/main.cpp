@@ -1,5 +1,6 @@
 // The velorn command: scene and mesh tools of the Velorn scene library.
 
+#include "cli/export_command.h"
 #include "cli/mesh_commands.h"
 #include "cli/sample_scene.h"
 #include "cli/scene_commands.h"
@@ -30,6 +31,20 @@ int run(const std::function<std::string()>& command)
 }
 
 std::string withNewline(const std::string& text) { return text + "\n"; }
+
+// The export prints the host's console first, also when it failed.
+int runExport(const ExportCommand::Options& options)
+{
+	std::string written;
+	const int code = run([&] {
+		written = ExportCommand::run(options);
+		std::cout << ExportCommand::consoleText();
+		return withNewline(written);
+	});
+	if(code != 0)
+		std::cout << ExportCommand::consoleText();
+	return code;
+}
 
 } // namespace
 
@@ -65,7 +80,27 @@ int main(int argc, char** argv)
 	convert->add_option("IN", mesh_path, "Mesh or model file")->required();
 	convert->add_option("OUT", mesh_out, "The .vlmesh file to write")->required();
 
+	ExportCommand::Options export_options;
+	export_options.plugins = VELORN_PLUGIN_DIR;
+	CLI::App* exporter = app.add_subcommand("export",
+		"Load a host document (JSON, see docs/document-format.md) into the headless host, start the plug-in, "
+		"export one frame and write the scene with its meshes; prints the plug-in's console.");
+	exporter->add_option("DOCUMENT", export_options.document, "Document file")->required();
+	exporter->add_option("-o,--out", export_options.scene,
+		"Scene file to write (default: the document's name with .vls, here)");
+	int frame = 0;
+	CLI::Option* frame_option =
+		exporter->add_option("--frame", frame, "Frame to export (default: the document's current frame)");
+	exporter->add_option("--plugins", export_options.plugins, "The host's plug-in directory")->capture_default_str();
+
 	CLI11_PARSE(app, argc, argv);
+
+	if(exporter->parsed())
+	{
+		if(frame_option->count())
+			export_options.frame = frame;
+		return runExport(export_options);
+	}
 
 	if(sample->parsed())
 		return run([&] { return "Wrote " + Velorn::writeSampleScene(out_dir) + "\n"; });

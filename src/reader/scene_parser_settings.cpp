@@ -79,9 +79,11 @@ const SettingKey setting_keys[] = {
 };
 
 // Elements of renderer_settings besides the keys. gpu is a key of the
-// default settings that files hold but that is not read.
-const char* const structured_elements[] = {"name", "uid", "white_point", "gpu", "selected_gpu_device", "splat_filter",
-	"downsize_filter", "render_region", "layer_setting"};
+// default settings that files hold but that is not read; display_period
+// and polarisation are keys that exported scenes carry and the reader
+// leaves unread as well.
+const char* const structured_elements[] = {"name", "uid", "white_point", "gpu", "display_period", "polarisation",
+	"selected_gpu_device", "splat_filter", "downsize_filter", "render_region", "layer_setting"};
 
 // Every element name that renderer_settings may hold, null-terminated.
 const char* const* allowedElements()

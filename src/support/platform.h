@@ -55,6 +55,32 @@ void openFileStream(std::ifstream& stream, const std::string& path, std::ios::op
 // thread: the text + " (error code=" + code + ")".
 std::string errorString(int code);
 std::string lastErrorString();
+// The code of the last error of this thread (errno, GetLastError on Windows).
+int lastErrorCode();
+
+// A dynamic library loaded into the process (the module handle of Windows,
+// the handle of dlopen elsewhere). Its definition is the system's.
+struct LibraryModule;
+using LibraryHandle = LibraryModule*;
+// The address of an exported function, to be cast to its real type.
+using LibrarySymbol = void (*)();
+
+// Loads the library at a UTF-8 path, or counts up one that is loaded already.
+// Null on failure, with the reason in libraryErrorString().
+LibraryHandle loadLibrary(const std::string& path);
+// The exported function of that name; null when the library has none.
+LibrarySymbol findSymbol(LibraryHandle library, const char* name);
+// Counts the library down; the system unloads it at zero. False when the
+// system refused.
+bool freeLibrary(LibraryHandle library);
+// The system's text for why the last loadLibrary or findSymbol of this
+// thread failed.
+std::string libraryErrorString();
+// Makes dir the first place where the libraries that a loaded library needs
+// are looked for. Windows searches a process-wide directory; elsewhere a
+// library finds its own dependencies through its run path, so this does
+// nothing there. False when the system refused.
+bool setLibrarySearchDirectory(const std::string& dir);
 
 } // namespace Platform
 } // namespace Velorn

@@ -112,6 +112,49 @@ std::string errorString(int code) { return PlatformUtils::getErrorString(code); 
 
 std::string lastErrorString() { return errorString(errno); }
 
+int lastErrorCode() { return errno; }
+
+namespace
+{
+
+// dlerror() hands its text out once and forgets it, so the failure of the
+// last load or lookup of this thread is kept for libraryErrorString().
+thread_local std::string library_error;
+
+// The text of dlerror(), or what the failed call was when it has none.
+void keepLibraryError(const std::string& fallback)
+{
+	const char* text = ::dlerror();
+	library_error = text ? std::string(text) : fallback;
+}
+
+} // namespace
+
+LibraryHandle loadLibrary(const std::string& path)
+{
+	// Symbols are bound at load time, so that a library with an unresolved
+	// symbol fails here, as it does on Windows, and not at its first call.
+	void* handle = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+	if(!handle)
+		keepLibraryError("cannot load '" + path + "'");
+	return reinterpret_cast<LibraryHandle>(handle);
+}
+
+LibrarySymbol findSymbol(LibraryHandle library, const char* name)
+{
+	::dlerror();
+	void* address = ::dlsym(reinterpret_cast<void*>(library), name);
+	if(!address)
+		keepLibraryError(std::string("no symbol '") + name + "'");
+	return reinterpret_cast<LibrarySymbol>(address);
+}
+
+bool freeLibrary(LibraryHandle library) { return ::dlclose(reinterpret_cast<void*>(library)) == 0; }
+
+std::string libraryErrorString() { return library_error; }
+
+bool setLibrarySearchDirectory(const std::string&) { return true; }
+
 } // namespace Platform
 
 namespace PlatformUtils

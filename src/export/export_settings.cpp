@@ -1,0 +1,127 @@
+#include "export/export_settings.h"
+
+#include "c4d/base_draw.h"
+#include "c4d/world_preferences.h"
+#include "host/plugin_ids.h"
+
+#include "support/exceptions.h"
+#include "support/file_utils.h"
+#include "support/platform_utils.h"
+
+#include <cstdio>
+
+namespace
+{
+
+// Metres per unit of the unit numbers that the host's preference uses.
+float preferenceUnitScale(int32_t unit)
+{
+	switch(unit)
+	{
+	case DOCUMENT_UNIT_KM:
+		return 1000.0f;
+	case DOCUMENT_UNIT_CM:
+		return 0.01f;
+	case DOCUMENT_UNIT_MM:
+		return 0.001f;
+	default:
+		return 1.0f;
+	}
+}
+
+// As the host's directory call: a failure is no error here, the texture
+// copies that need the directory fail on their own.
+void createDirectory(const Filename& dir)
+{
+	try
+	{
+		Velorn::FileUtils::createDirsForPath(dir.GetString().GetStdString());
+	}
+	catch(const Velorn::FileUtilsExcep&)
+	{
+	}
+}
+
+} // namespace
+
+ExportSettings::ExportSettings(BaseDocument* doc, const Filename& target, std::vector<Filename>* temp_files_,
+	int32_t frame_, int32_t width_, int32_t height_, int32_t is_animation_, int32_t merge_vertices_,
+	int32_t verbose_, int32_t preview_)
+	: document(doc), frame(frame_), width(width_), height(height_), is_animation(is_animation_),
+	  merge_vertices(merge_vertices_), verbose(verbose_), preview(preview_), temp_files(temp_files_)
+{
+	export_dir = target.GetDirectory();
+	Filename file = target.GetFile();
+	file.SetSuffix(String());
+	base_name = file.GetString();
+	if(!document)
+		return;
+
+	if(!temp_files)
+	{
+		textures_dir = export_dir + Filename(String("textures.") + base_name);
+		createDirectory(textures_dir);
+	}
+	else
+		textures_dir = Filename(String(Velorn::PlatformUtils::getTempDirPath()));
+
+	fetchCamera();
+	video_post_container = findVideoPostContainer(document);
+	scale = unitScale();
+}
+
+void ExportSettings::fetchCamera()
+{
+	camera = document->GetActiveBaseDraw()->GetSceneCamera(document);
+	camera_data = camera->GetData();
+	if(BaseTag* tag = camera->GetTag(ID_CAMERA_TAG))
+	{
+		camera_tag_data = tag->GetData();
+		has_camera_tag = 1;
+	}
+	exposure_duration = has_camera_tag ? (float)(1.0 / camera_tag_data.GetFloat(ct_exposure_divisor)) : 0.05f;
+}
+
+float ExportSettings::unitScale() const
+{
+	if(!video_post_container)
+		return preferenceUnitScale(GetWorldContainerInstance()->GetInt32(WPREF_UNITS));
+	switch(video_post_container->GetInt32(vp_unit, vp_unit_cm))
+	{
+	case vp_unit_km:
+		return 1000.0f;
+	case vp_unit_cm:
+		return 0.01f;
+	case vp_unit_mm:
+		return 0.001f;
+	case vp_unit_custom:
+		return (float)video_post_container->GetFloat(vp_custom_scale);
+	default:
+		return 1.0f;
+	}
+}
+
+String sceneFileName(const String& base_name, int32_t frame, int32_t is_animation, const String& suffix)
+{
+	String name = base_name;
+	if(is_animation)
+	{
+		char number[16];
+		std::snprintf(number, sizeof(number), "%06d", frame);
+		name += String("_frame") + String(number);
+	}
+	return name + suffix;
+}
+
+BaseContainer* findVideoPostContainer(BaseDocument* doc)
+{
+	RenderData* render_data = doc ? doc->GetActiveRenderData() : nullptr;
+	if(!render_data)
+		return nullptr;
+	for(BaseVideoPost* post = render_data->GetFirstVideoPost(); post; post = post->GetNext())
+	{
+		if(post->GetType() == ID_VIDEO_POST && !(post->GetInfo() & VIDEOPOST_DISABLED))
+			return post->GetDataInstance();
+	}
+	return nullptr;
+}

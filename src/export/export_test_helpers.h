@@ -1,0 +1,127 @@
+#pragma once
+
+#include "c4d/base_draw.h"
+#include "c4d/console.h"
+#include "c4d/document_file.h"
+#include "c4d/host_clock.h"
+#include "c4d/plugin_test_helpers.h"
+#include "c4d/resources.h"
+#include "c4d/world_preferences.h"
+#include "export/export_settings.h"
+#include "host/plugin_ids.h"
+#include "export/scene_exporter.h"
+#include "host/camera_tag.h"
+#include "host/plugin_globals.h"
+
+#include "support/test_files.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <stdexcept>
+#include <vector>
+
+// The plug-in's camera tag, whose new tags get their Init values, and the
+// video post as a plain plug-in whose parameters each test sets. Once per
+// test binary.
+inline void registerExportPlugins()
+{
+	static const bool done = [] {
+		StringTable strings;
+		strings.set(10009, String("Velorn Camera"));
+		HostResources::get().setStrings(strings);
+		RegisterCameraTag();
+		registerPlainPlugins(PluginKind::VideoPost, {ID_VIDEO_POST});
+		return true;
+	}();
+	(void)done;
+}
+
+// A host whose clock and date stand still, with an empty console, the
+// centimetre preference and no GPUs, restored after each test.
+class ExportTest : public testing::Test
+{
+protected:
+	void SetUp() override
+	{
+		registerExportPlugins();
+		HostClock::get().fixTime(1000);
+		HostClock::get().fixDate(DateTime{2024, 3, 5, 14, 7, 9});
+		HostConsole::get().clear();
+		ResetWorldPreferences();
+		gpu_devices.clear();
+	}
+	void TearDown() override
+	{
+		HostClock::get().release();
+		HostConsole::get().clear();
+		ResetWorldPreferences();
+		gpu_devices.clear();
+	}
+
+	static std::vector<String> consoleLines() { return HostConsole::get().texts(HostConsole::Kind::Print); }
+};
+
+// A document with one active camera, built in code: perspective, 36 mm
+// film, a field of view of 2 atan(0.5), 1000 units to the target, at the
+// origin. The camera tag (with its Init values) and the video post are made
+// when first asked for.
+class TestDocument
+{
+public:
+	TestDocument() : doc(BaseDocument::Alloc()), camera(BaseObject::Alloc(Ocamera))
+	{
+		doc->InsertObject(camera, nullptr, nullptr);
+		doc->SetActiveCamera(camera);
+		BaseContainer& c = cameraData();
+		c.SetInt32(CAMERA_PROJECTION, CAMERA_PROJECTION_PERSPECTIVE);
+		c.SetFloat(CAMERA_SENSOR_WIDTH, 36.0);
+		c.SetFloat(CAMERA_FOV, 2.0 * std::atan(0.5));
+		c.SetFloat(CAMERA_TARGET_DISTANCE, 1000.0);
+	}
+	~TestDocument() { BaseDocument::Free(doc); }
+	TestDocument(const TestDocument&) = delete;
+	TestDocument& operator=(const TestDocument&) = delete;
+
+	BaseContainer& cameraData() { return *camera->GetDataInstance(); }
+	BaseContainer& tag()
+	{
+		BaseTag* t = camera->GetTag(ID_CAMERA_TAG);
+		return *(t ? t : camera->MakeTag(ID_CAMERA_TAG))->GetDataInstance();
+	}
+	BaseContainer& videoPost()
+	{
+		RenderData* rd = doc->GetActiveRenderData();
+		if(!rd->GetFirstVideoPost())
+			rd->InsertVideoPostLast(BaseVideoPost::Alloc(ID_VIDEO_POST));
+		return *rd->GetFirstVideoPost()->GetDataInstance();
+	}
+
+	// Settings whose textures go to the temporary directory, so that no
+	// directory is made.
+	ExportSettings settings(int32_t width = 640, int32_t height = 480, int32_t verbose = 0)
+	{
+		return ExportSettings(doc, Filename("/scenes/test.vls"), &temp_files, 0, width, height, 0, 0, verbose, 0);
+	}
+	// The scene of a whole export of the document.
+	Velorn::Reference<Velorn::SceneNodeRoot> exportScene(int32_t width = 640, int32_t height = 480)
+	{
+		ExportSettings s = settings(width, height);
+		SceneExporter exporter(&s);
+		return exporter.exportScene();
+	}
+
+	BaseDocument* doc;
+	BaseObject* camera;
+	std::vector<Filename> temp_files;
+};
+
+// A node of a scene as its class; the test fails when it is missing.
+template <class T>
+T& nodeOf(const Velorn::Reference<Velorn::SceneNode>& node)
+{
+	T* typed = dynamic_cast<T*>(node.getPointer());
+	if(!typed)
+		throw std::runtime_error("the scene lacks the node");
+	return *typed;
+}

@@ -1,0 +1,108 @@
+#include "host/module/plugin_start.h"
+
+#include "c4d/console.h"
+#include "c4d/preview_scenes.h"
+#include "c4d/resources.h"
+#include "host/about_command.h"
+#include "host/camera_tag.h"
+#include "host/plugin_globals.h"
+#include "host/plugin_ids.h"
+#include "host/plugin_version.h"
+#include "render/video_post.h"
+#include "support/file_utils.h"
+#include "support/platform.h"
+#include "support/platform_utils.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+std::string moduleDir()
+{
+	return plugin_path ? plugin_path->GetString().GetStdString() : std::string();
+}
+
+// Makes the SDK context and has it load the library from the module's
+// directory; a library that is missing or refuses is reported and the
+// plug-in goes on without it.
+void loadSdk(const std::string& module_dir)
+{
+	const std::string appdata_dir = Velorn::FileUtils::join(Velorn::PlatformUtils::getAPPDataDirPath(), "Velorn Renderer");
+	g_context = new Velorn::VelornContext();
+	std::string error;
+	const int code = g_context->load(module_dir, appdata_dir, error);
+	if(code != Velorn::VelornContext::LOAD_OK)
+	{
+		GePrint(String("Failed initialising Velorn sdk (error code: ") + String::IntToString(code) + String("):"));
+		GePrint(String(error.c_str()));
+	}
+}
+
+// The registrations of the plug-in, in the order the host must see them.
+bool registerPlugins()
+{
+	bool (*const registrations[])() = {
+		RegisterCameraTag,
+		RegisterAboutCommand,
+		RegisterVelornVideoPost,
+		RegisterPlaceholderCommand,
+	};
+	for(auto registration : registrations)
+		if(!registration())
+			return false;
+	return true;
+}
+
+// Every entry of the res/materialpreview folder is a scene for the previews
+// of the plug-in's material.
+void addPreviewScenes(const std::string& module_dir)
+{
+	const std::string dir = Velorn::FileUtils::join(Velorn::FileUtils::join(module_dir, "res"), "materialpreview");
+	std::vector<std::string> names;
+	Velorn::Platform::listDirectory(dir, names);
+	std::sort(names.begin(), names.end());
+	for(const std::string& name : names)
+	{
+		const Filename file(String(Velorn::FileUtils::join(dir, name).c_str()));
+		if(!AddUserPreviewScene(file, ID_VELORN_MATERIAL, nullptr))
+			GePrint(String("Failed loading preview scene: ") + String(name.c_str()));
+	}
+}
+
+void printBanner()
+{
+	GePrint(String());
+	GePrint(String(console_banner));
+	GePrint(String("._.-.") + String(velorn_version_text));
+	GePrint(String("Documentation: docs/ in the plug-in's source, and README.md"));
+	GePrint(String(console_banner));
+}
+
+} // namespace
+
+bool PluginStart()
+{
+	const std::string module_dir = moduleDir();
+	HostResources::get().init(*plugin_path);
+	GePrint(String("Loading velorn from: ") + String(module_dir.c_str()));
+
+	loadSdk(module_dir);
+	realtime_edition = Velorn::FileUtils::fileExists(Velorn::FileUtils::join(module_dir, "velorn_sdk.dll")) ? 0 : 1;
+	if(g_context->isLoaded())
+		GePrint(String(realtime_edition ? "Successfully initialised Velorn RT." :
+			"Successfully initialised Velorn Renderer."));
+
+	if(!registerPlugins())
+		return false;
+	addPreviewScenes(module_dir);
+	printBanner();
+	return true;
+}
+
+void PluginEnd()
+{
+	g_context = nullptr;
+}

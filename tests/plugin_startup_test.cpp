@@ -1,0 +1,220 @@
+// The plug-in module as the host loads it: start-up lines, registrations,
+// preview scenes, menus and the module's init count.
+
+#include "c4d/console.h"
+#include "c4d/host_startup.h"
+#include "c4d/menus.h"
+#include "c4d/plugin_entry.h"
+#include "c4d/plugin_modules.h"
+#include "c4d/plugin_registry.h"
+#include "c4d/preview_scenes.h"
+#include "c4d/resources.h"
+
+#include "support/file_utils.h"
+#include "support/platform.h"
+#include "support/test_files.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using Lines = std::vector<std::string>;
+
+const std::string BANNER =
+	".__.--._.-._.-.__.--._.-.__.--._.-._.-.__.--._.-.__.--._.-._.-.__.--._.-.__.--._.-._.-.__.--._.-.__.--._.-._.-.__.--._.-.__.--.";
+
+// A copy of the built plug-in (module and res folder) in a directory of its
+// own, whose resource a test may change before the host loads it.
+class InstalledPlugin : public testing::Test
+{
+protected:
+	void SetUp() override
+	{
+		HostConsole::get().clear();
+		PluginRegistry::get().clear();
+		ResetStartupServices();
+		copyFile("velorn.cdl");
+		copyFile("res/strings_us/c4d_strings.str");
+		copyFile("res/materialpreview/sphere.json");
+	}
+
+	void TearDown() override
+	{
+		modules.end();
+		PluginRegistry::get().clear();
+		ResetStartupServices();
+	}
+
+	std::string pluginDir() const { return dir.file("velorn"); }
+	std::string file(const std::string& relative) const { return pluginDir() + "/" + relative; }
+
+	void copyFile(const std::string& relative)
+	{
+		Velorn::FileUtils::createDirsForPath(Velorn::FileUtils::getDirectory(file(relative)));
+		VelornTest::writeFile(file(relative), VelornTest::readFile(std::string(VELORN_PLUGIN_DIR) + "/" + relative));
+	}
+
+	// The resource with the line of one string id taken out.
+	void dropString(int32_t id)
+	{
+		std::string kept;
+		const std::string text = VelornTest::readFile(file("res/strings_us/c4d_strings.str"));
+		for(size_t start = 0, end; start < text.size(); start = end + 1)
+		{
+			end = text.find('\n', start);
+			const std::string line = text.substr(start, end - start);
+			if(line.rfind(std::to_string(id) + " ", 0) != 0)
+				kept += line + "\n";
+		}
+		VelornTest::writeFile(file("res/strings_us/c4d_strings.str"), kept);
+	}
+
+	static Lines printed()
+	{
+		Lines lines;
+		for(const String& text : HostConsole::get().texts(HostConsole::Kind::Print))
+			lines.push_back(text.GetStdString());
+		return lines;
+	}
+
+	VelornTest::TempDir dir;
+	PluginModules modules;
+};
+
+} // namespace
+
+TEST_F(InstalledPlugin, StartsWithItsLinesRegistrationsAndPreviewScenes)
+{
+	ASSERT_EQ(modules.start(Filename(String(dir.path().c_str()))), 1);
+
+	const Lines expected = {
+		"Loading velorn from: " + pluginDir(),
+		// No SDK library beside the module: reported, and start-up goes on.
+		"Failed initialising Velorn sdk (error code: 20):",
+		"Failed to load DLL from '" + pluginDir() + "' (Error code: 2)",
+		"",
+		BANNER,
+		"._.-.Velorn for Cinema 4D 3.6.24",
+		"Documentation: docs/ in the plug-in's source, and README.md",
+		BANNER,
+	};
+	EXPECT_EQ(printed(), expected);
+
+	// The plug-ins that exist, in the order of the registration table.
+	EXPECT_EQ(PluginRegistry::get().ids(), (std::vector<int32_t>{1022083, 1020894, 1020896, 1022283}));
+	EXPECT_EQ(PluginRegistry::get().find(1022083)->name, String("Velorn Camera Tag"));
+	EXPECT_EQ(PluginRegistry::get().find(1020896)->description, String("ovelornrendersettings"));
+	EXPECT_EQ(PluginRegistry::get().find(1020896)->priority, 100);
+	EXPECT_EQ(PluginRegistry::get().find(1022283)->name, String());
+	EXPECT_EQ(PluginRegistry::get().find(1022283)->help, String("#$3 --"));
+
+	const std::vector<PreviewScene> scenes = PreviewScenes::get().of(1024337);
+	ASSERT_EQ(scenes.size(), 1u);
+	EXPECT_EQ(scenes[0].file.GetFile().GetString(), String("sphere.json"));
+	ASSERT_NE(scenes[0].document, nullptr);
+	EXPECT_NE(scenes[0].document->GetFirstObject(), nullptr);
+
+	// A camera tag made now holds its Init values.
+	BaseTag* tag = BaseTag::Alloc(1022083);
+	ASSERT_NE(tag, nullptr);
+	EXPECT_EQ(tag->GetDataInstance()->GetInt32(1917), 1908);
+	BaseTag::Free(tag);
+}
+
+TEST_F(InstalledPlugin, MissingNameSkipsItsPluginAndBadPreviewSceneIsReported)
+{
+	dropString(10009);
+	VelornTest::writeFile(file("res/materialpreview/broken.json"), "{ not json");
+	ASSERT_EQ(modules.start(Filename(String(dir.path().c_str()))), 1);
+
+	EXPECT_EQ(PluginRegistry::get().ids(), (std::vector<int32_t>{1020894, 1020896, 1022283}));
+	const Lines lines = printed();
+	ASSERT_GE(lines.size(), 4u);
+	EXPECT_EQ(lines[3], "Failed loading preview scene: broken.json");
+	EXPECT_EQ(lines[4], "");
+	EXPECT_EQ(PreviewScenes::get().of(1024337).size(), 1u);
+}
+
+TEST_F(InstalledPlugin, MenusGetTheEntriesOnceAndOnlyOnBuildsWithBitZero)
+{
+	ASSERT_EQ(modules.start(Filename(String(dir.path().c_str()))), 1);
+	// A second menu build adds nothing.
+	modules.sendMessage(C4DPL_BUILDMENU, nullptr);
+
+	EXPECT_EQ(MenuOutline(*GetMenuResource(String("M_MATERIAL_MANAGER"))),
+		"submenu\n"
+		"  title IDS_MATERIAL_FILE\n"
+		"  command IDM_LOAD_MATERIALS\n"
+		"  command IDM_SAVE_MATERIALS\n"
+		"submenu\n"
+		"  title IDS_MATERIAL_CREATE\n"
+		"  command IDM_NEW_MATERIAL\n"
+		"  command PLUGIN_CMD_1024454\n"
+		"  command IDM_NEW_SHADER\n"
+		"submenu\n"
+		"  title IDS_MATERIAL_EDIT\n"
+		"  command IDM_COPY\n"
+		"  command IDM_PASTE\n"
+		"  command IDM_DELETE\n");
+	EXPECT_EQ(MenuOutline(*GetMenuResource(String("M_PICTURE_VIEWER"))),
+		"submenu\n"
+		"  title IDS_OUTWINDOW_FILE\n"
+		"  command IDM_OPEN_PICTURE\n"
+		"  command IDM_SAVE_PICTURE\n"
+		"submenu\n"
+		"  title IDS_OUTWINDOW_EDIT\n"
+		"  command IDM_COPY\n"
+		"submenu\n"
+		"  title IDS_OUTWINDOW_VIEW\n"
+		"  command IDM_ZOOM_IN\n"
+		"  command IDM_ZOOM_OUT\n"
+		"submenu\n"
+		"  title Velorn Renderer\n"
+		"  command PLUGIN_CMD_1023599\n"
+		"  command PLUGIN_CMD_1023695\n"
+		"  command PLUGIN_CMD_1023696\n"
+		"  command PLUGIN_CMD_1027825\n");
+
+	ResetStartupServices();
+	SetVersionType(0);
+	modules.sendMessage(C4DPL_BUILDMENU, nullptr);
+	EXPECT_EQ(SearchMenuResource(GetMenuResource(String("M_PICTURE_VIEWER")), String("PLUGIN_CMD_1023599")), nullptr);
+}
+
+TEST_F(InstalledPlugin, InitCountNestsAndTheVersionIsChecked)
+{
+	Velorn::Platform::LibraryHandle library = Velorn::Platform::loadLibrary(file("velorn.cdl"));
+	ASSERT_NE(library, nullptr);
+	const auto c4d_main = reinterpret_cast<C4DMainFunction>(Velorn::Platform::findSymbol(library, "c4d_main"));
+	ASSERT_NE(c4d_main, nullptr);
+	const Filename moduleDir(String(pluginDir().c_str()));
+	HostFunctionTable old{9700};
+	HostFunctionTable table{HOST_API_VERSION};
+
+	EXPECT_EQ(c4d_main(C4DPL_INIT_SYS, &old, nullptr, const_cast<Filename*>(&moduleDir)), C4DPL_ERROR_VERSION);
+	EXPECT_EQ(c4d_main(C4DPL_END, nullptr, nullptr, nullptr), 1);
+	EXPECT_EQ(c4d_main(C4DPL_INIT_SYS, &table, nullptr, nullptr), C4DPL_ERROR_VERSION);
+	EXPECT_EQ(c4d_main(C4DPL_END, nullptr, nullptr, nullptr), 1);
+
+	EXPECT_EQ(c4d_main(C4DPL_INIT_SYS, &table, nullptr, const_cast<Filename*>(&moduleDir)), 1);
+	EXPECT_EQ(c4d_main(C4DPL_MESSAGE, reinterpret_cast<void*>(intptr_t(C4DPL_INIT_SYS)), nullptr, nullptr), 1);
+	EXPECT_EQ(c4d_main(C4DPL_INIT, nullptr, nullptr, nullptr), 1);
+	// A second init only counts; the end that does not bring the count to 0
+	// leaves the module running, its resource loaded.
+	EXPECT_EQ(c4d_main(C4DPL_INIT_SYS, &table, nullptr, const_cast<Filename*>(&moduleDir)), 1);
+	EXPECT_EQ(c4d_main(C4DPL_END, nullptr, nullptr, nullptr), 1);
+	EXPECT_EQ(GeLoadString(10009), String("Velorn Camera Tag"));
+	EXPECT_EQ(c4d_main(C4DPL_END, nullptr, nullptr, nullptr), 1);
+	EXPECT_EQ(GeLoadString(10009), String());
+
+	EXPECT_EQ(c4d_main(C4DPL_INIT_VERSION, nullptr, nullptr, nullptr), 3);
+	EXPECT_EQ(c4d_main(C4DPL_MESSAGE, reinterpret_cast<void*>(intptr_t(0)), nullptr, nullptr), 1);
+	EXPECT_EQ(c4d_main(C4DPL_MESSAGE, reinterpret_cast<void*>(intptr_t(424242)), nullptr, nullptr), -1);
+	EXPECT_EQ(c4d_main(99, nullptr, nullptr, nullptr), -1);
+	PluginRegistry::get().clear();
+	Velorn::Platform::freeLibrary(library);
+}
