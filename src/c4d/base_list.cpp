@@ -66,11 +66,30 @@ void GeListNode::Remove()
 	head = nullptr;
 }
 
+GeListNode::~GeListNode()
+{
+	for(const auto& child : children)
+		child->releaseAll();
+}
+
+void GeListNode::releaseAll()
+{
+	for(const auto& child : children)
+		child->releaseAll();
+	beforeFree();
+}
+
+GeListHead::~GeListHead()
+{
+	for(const auto& node : nodes)
+		node->releaseAll();
+}
+
 void GeListNode::freeNode(GeListNode* node)
 {
 	if(!node)
 		return;
-	node->beforeFree();
+	node->releaseAll();
 	node->Remove();
 	delete node;
 }
@@ -101,11 +120,6 @@ void GeListHead::Insert(GeListNode* node, GeListNode* pred)
 		node->InsertAfter(pred);
 	else
 		InsertFirst(node);
-}
-
-BaseList2D::~BaseList2D()
-{
-	BaseList2D::beforeFree();
 }
 
 void BaseList2D::beforeFree()

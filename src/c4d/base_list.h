@@ -32,7 +32,8 @@ public:
 	explicit GeListNode(int32_t type_) : type(type_) {}
 	GeListNode(const GeListNode&) = delete;
 	GeListNode& operator=(const GeListNode&) = delete;
-	virtual ~GeListNode() = default;
+	// Releases the children (releaseAll) before they go.
+	virtual ~GeListNode();
 
 	// Deletes node and its children, and sets the pointer to null; a null
 	// node is allowed.
@@ -64,9 +65,14 @@ public:
 	// Takes the node out of its list; the caller owns it afterwards.
 	void Remove();
 
+	// Runs beforeFree on the node's children, deepest first, then on the
+	// node, while all of them are whole and in their places: Free does it,
+	// and so do a list and a node before the nodes they own are deleted.
+	void releaseAll();
+
 protected:
-	// Runs when Free is called on this node, while it is still in its list,
-	// so that what the node lets go of can still see where it was.
+	// What a node lets go of before it is deleted; it can still see where
+	// it was.
 	virtual void beforeFree() {}
 
 private:
@@ -93,6 +99,8 @@ class GeListHead
 {
 public:
 	explicit GeListHead(GeListNode* main_) : main(main_) {}
+	// Releases its nodes (releaseAll) before they go.
+	~GeListHead();
 	GeListHead(const GeListHead&) = delete;
 	GeListHead& operator=(const GeListHead&) = delete;
 
@@ -114,13 +122,13 @@ private:
 // the kind of node, such as OBJECT_CAMERADEPENDENT) and state bits.
 //
 // A node of a plug-in type also carries the plug-in's NodeData, which it
-// owns and lets go (NodeData::Free) when it is freed: before it leaves its
-// list when Free is called on it, else as it is deleted with its parent.
+// owns and lets go (NodeData::Free) when it is released: before it leaves
+// its list when Free is called on it or on a node above it, or before its
+// list or parent deletes it.
 class BaseList2D : public GeListNode
 {
 public:
 	explicit BaseList2D(int32_t type_) : GeListNode(type_) {}
-	~BaseList2D() override;
 
 	// The plug-in's data of the node; null for the host's own types.
 	NodeData* GetNodeData() const { return nodeData.get(); }
