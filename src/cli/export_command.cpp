@@ -59,7 +59,7 @@ std::string exportFrame(BaseDocument& doc, const Options& options)
 
 	const BaseContainer* render = doc.GetActiveRenderData()->GetDataInstance();
 	const BaseContainer* videoPost = findVideoPostContainer(&doc);
-	ExportSettings settings(&doc, Filename(String(path.c_str())), nullptr, doc.GetFrame(),
+	ExportSettings settings(&doc, Filename(String(path)), nullptr, doc.GetFrame(),
 		render->GetInt32(RDATA_XRES, 640), render->GetInt32(RDATA_YRES, 480), 0,
 		videoPost ? videoPost->GetBool(MERGE_VERTICES, true) : 1, 1, 0);
 	SceneExporter exporter(&settings);
@@ -77,10 +77,10 @@ std::string run(const Options& options)
 {
 	HostConsole::get().clear();
 	PluginModules modules;
-	if(modules.start(Filename(String(options.plugins.c_str()))) == 0)
+	if(modules.start(Filename(String(options.plugins))) == 0)
 		throw Velorn::FileUtilsExcep("No plug-in module started from '" + options.plugins + "'.");
 	// The document holds nodes of the plug-in: it goes before the modules end.
-	const DocumentPtr doc(LoadDocumentFile(Filename(String(options.document.c_str()))));
+	const DocumentPtr doc(LoadDocumentFile(Filename(String(options.document))));
 	return exportFrame(*doc, options);
 }
 

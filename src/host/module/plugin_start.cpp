@@ -2,12 +2,12 @@
 
 #include "c4d/console.h"
 #include "c4d/preview_scenes.h"
-#include "c4d/resources.h"
 #include "host/about_command.h"
 #include "host/camera_tag.h"
 #include "host/plugin_globals.h"
 #include "host/plugin_ids.h"
 #include "host/plugin_version.h"
+#include "host/registration.h"
 #include "render/video_post.h"
 #include "support/file_utils.h"
 #include "support/platform.h"
@@ -37,7 +37,7 @@ void loadSdk(const std::string& module_dir)
 	if(code != Velorn::VelornContext::LOAD_OK)
 	{
 		GePrint(String("Failed initialising Velorn sdk (error code: ") + String::IntToString(code) + String("):"));
-		GePrint(String(error.c_str()));
+		GePrint(String(error));
 	}
 }
 
@@ -58,18 +58,15 @@ bool registerPlugins()
 
 // Every entry of the res/materialpreview folder is a scene for the previews
 // of the plug-in's material.
-void addPreviewScenes(const std::string& module_dir)
+void addPreviewScenes()
 {
-	const std::string dir = Velorn::FileUtils::join(Velorn::FileUtils::join(module_dir, "res"), "materialpreview");
+	const Filename dir = moduleResourceFile("materialpreview");
 	std::vector<std::string> names;
-	Velorn::Platform::listDirectory(dir, names);
+	Velorn::Platform::listDirectory(dir.GetString().GetStdString(), names);
 	std::sort(names.begin(), names.end());
 	for(const std::string& name : names)
-	{
-		const Filename file(String(Velorn::FileUtils::join(dir, name).c_str()));
-		if(!AddUserPreviewScene(file, ID_VELORN_MATERIAL, nullptr))
-			GePrint(String("Failed loading preview scene: ") + String(name.c_str()));
-	}
+		if(!AddUserPreviewScene(dir + Filename(String(name)), ID_VELORN_MATERIAL, nullptr))
+			GePrint(String("Failed loading preview scene: ") + String(name));
 }
 
 void printBanner()
@@ -85,9 +82,10 @@ void printBanner()
 
 bool PluginStart()
 {
+	// The host loaded the module's resource with the message C4DPL_INIT_SYS
+	// just before this start.
 	const std::string module_dir = moduleDir();
-	HostResources::get().init(*plugin_path);
-	GePrint(String("Loading velorn from: ") + String(module_dir.c_str()));
+	GePrint(String("Loading velorn from: ") + String(module_dir));
 
 	loadSdk(module_dir);
 	realtime_edition = Velorn::FileUtils::fileExists(Velorn::FileUtils::join(module_dir, "velorn_sdk.dll")) ? 0 : 1;
@@ -97,7 +95,7 @@ bool PluginStart()
 
 	if(!registerPlugins())
 		return false;
-	addPreviewScenes(module_dir);
+	addPreviewScenes();
 	printBanner();
 	return true;
 }
