@@ -105,8 +105,11 @@ TEST_F(InstalledPlugin, StartsWithItsLinesRegistrationsAndPreviewScenes)
 	EXPECT_EQ(printed(), expected);
 
 	// The plug-ins that exist, in the order of the registration table.
-	EXPECT_EQ(PluginRegistry::get().ids(), (std::vector<int32_t>{1022083, 1020894, 1020896, 1022283}));
+	EXPECT_EQ(PluginRegistry::get().ids(),
+		(std::vector<int32_t>{1020892, 1021223, 1022083, 1022667, 1029978, 1020894, 1020896, 1022283}));
 	EXPECT_EQ(PluginRegistry::get().find(1022083)->name, String("Velorn Camera Tag"));
+	EXPECT_EQ(PluginRegistry::get().find(1029978)->description, String("TVelornCompositing"));
+	EXPECT_EQ(PluginRegistry::get().find(1020892)->icon.GetFile().GetString(), String("LightTag.tif"));
 	EXPECT_EQ(PluginRegistry::get().find(1020896)->description, String("ovelornrendersettings"));
 	EXPECT_EQ(PluginRegistry::get().find(1020896)->priority, 100);
 	EXPECT_EQ(PluginRegistry::get().find(1022283)->name, String());
@@ -123,6 +126,23 @@ TEST_F(InstalledPlugin, StartsWithItsLinesRegistrationsAndPreviewScenes)
 	ASSERT_NE(tag, nullptr);
 	EXPECT_EQ(tag->GetDataInstance()->GetInt32(1917), 1908);
 	BaseTag::Free(tag);
+	// So do the light and subdivision tags: the light an RGB emission of
+	// white at gain 2.2, measured as luminance 100 when scaled.
+	tag = BaseTag::Alloc(1020892);
+	ASSERT_NE(tag, nullptr);
+	EXPECT_EQ(tag->GetDataInstance()->GetInt32(1215), 1217);
+	EXPECT_EQ(tag->GetDataInstance()->GetVector(1227), Vector(1, 1, 1));
+	EXPECT_EQ(tag->GetDataInstance()->GetFloat(1228), 2.2);
+	EXPECT_EQ(tag->GetDataInstance()->GetInt32(1300), 1305);
+	EXPECT_EQ(tag->GetDataInstance()->GetFloat(1301), 100.0);
+	EXPECT_FALSE(tag->GetDataInstance()->GetBool(1312));
+	BaseTag::Free(tag);
+	tag = BaseTag::Alloc(1022667);
+	ASSERT_NE(tag, nullptr);
+	EXPECT_EQ(tag->GetDataInstance()->GetInt32(1501), 3);
+	EXPECT_EQ(tag->GetDataInstance()->GetFloat(1503), 0.1);
+	EXPECT_EQ(tag->GetDataInstance()->GetDataPointer(1502), nullptr);
+	BaseTag::Free(tag);
 }
 
 TEST_F(InstalledPlugin, MissingNameSkipsItsPluginAndBadPreviewSceneIsReported)
@@ -131,7 +151,8 @@ TEST_F(InstalledPlugin, MissingNameSkipsItsPluginAndBadPreviewSceneIsReported)
 	VelornTest::writeFile(file("res/materialpreview/broken.json"), "{ not json");
 	ASSERT_EQ(modules.start(Filename(String(dir.path().c_str()))), 1);
 
-	EXPECT_EQ(PluginRegistry::get().ids(), (std::vector<int32_t>{1020894, 1020896, 1022283}));
+	EXPECT_EQ(PluginRegistry::get().ids(),
+		(std::vector<int32_t>{1020892, 1021223, 1022667, 1029978, 1020894, 1020896, 1022283}));
 	const Lines lines = printed();
 	ASSERT_GE(lines.size(), 4u);
 	EXPECT_EQ(lines[3], "Failed loading preview scene: broken.json");

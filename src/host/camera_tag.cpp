@@ -1,17 +1,8 @@
 #include "host/camera_tag.h"
 
 #include "c4d/base_list.h"
-#include "c4d/plugin_registry.h"
 #include "host/plugin_ids.h"
 #include "host/registration.h"
-
-namespace
-{
-
-// The camera tag's string in the module's resource.
-const int32_t NAME_STRING = 10009;
-
-} // namespace
 
 bool CameraTag::Init(GeListNode* node)
 {
@@ -59,8 +50,5 @@ bool CameraTag::Init(GeListNode* node)
 
 bool RegisterCameraTag()
 {
-	return registerNamed(NAME_STRING, [](const String& name) {
-		return RegisterTagPlugin(ID_CAMERA_TAG, name, TAG_VISIBLE, CameraTag::Alloc, String("TCameraTag"),
-			moduleResourceFile("CameraTag.tif"), 0);
-	});
+	return registerTag(ID_CAMERA_TAG, 10009, CameraTag::Alloc, "TCameraTag", "CameraTag.tif");
 }

@@ -7,7 +7,13 @@
 // Node types of the plug-in.
 enum
 {
+	ID_LIGHT_TAG = 1020892,
+	ID_EXIT_PORTAL_TAG = 1021223,
 	ID_CAMERA_TAG = 1022083,
+	ID_SUBDIVISION_TAG = 1022667,
+	ID_COMPOSITING_TAG = 1029978,
+	ID_VELORN_INSTANCE = 1022273,
+	ID_SECTION_PLANE = 1028908,
 	ID_VIDEO_POST = 1020896,
 	ID_VELORN_MATERIAL = 1024337,
 };
@@ -117,4 +123,52 @@ enum
 	ct_downsize_radius = 1999,
 	ct_aperture_diffraction = 2000,
 	ct_response_function = 2001,
+};
+
+// Parameters of the light tag.
+enum
+{
+	lt_type = 1215,
+	lt_type_peak = 1216,
+	lt_type_rgb = 1217,
+	lt_type_black_body = 1218,
+	lt_type_uniform = 1219,
+	lt_black_body_temperature = 1224,
+	lt_black_body_gain = 1225,
+	lt_uniform_value = 1226,
+	lt_rgb_colour = 1227,
+	lt_rgb_gain = 1228,
+	lt_peak_min = 1231,
+	lt_peak_width = 1232,
+	lt_peak_value = 1233,
+	lt_base_value = 1234,
+	lt_emission_measure = 1300,
+	lt_emission_value = 1301,
+	lt_measure_luminous_flux = 1302,
+	lt_measure_luminous_intensity = 1304,
+	lt_measure_luminance = 1305,
+	lt_measure_luminous_emittance = 1306,
+	lt_ies = 1307,
+	lt_ies_file = 1308,
+	lt_emission_scale = 1312,
+	lt_layer = 1313,
+};
+
+// Parameters of the subdivision tag.
+enum
+{
+	st_max_subdivisions = 1501,
+	st_pixel_threshold = 1502,
+	st_curvature_threshold = 1503,
+	st_view_dependent = 1504,
+	st_smoothing = 1505,
+	st_displacement_error = 1506,
+};
+
+// The switch of the exit portal tag, and the compositing tag's "invisible to
+// camera".
+enum
+{
+	ep_enabled = 1100,
+	cmp_invisible_to_camera = 1100,
 };

@@ -1,5 +1,6 @@
 #include "host/registration.h"
 
+#include "c4d/plugin_registry.h"
 #include "c4d/resources.h"
 #include "host/plugin_globals.h"
 
@@ -7,6 +8,13 @@ bool registerNamed(int32_t nameId, const std::function<bool(const String&)>& reg
 {
 	const String name = GeLoadString(nameId);
 	return !name.Content() || registration(name);
+}
+
+bool registerTag(int32_t id, int32_t nameId, DataAllocator* allocator, const char* description, const char* icon)
+{
+	return registerNamed(nameId, [&](const String& name) {
+		return RegisterTagPlugin(id, name, TAG_VISIBLE, allocator, String(description), moduleResourceFile(icon), 0);
+	});
 }
 
 Filename moduleResourceFile(const char* name)

@@ -3,6 +3,7 @@
 #include "c4d/base_container.h"
 #include "c4d/filename.h"
 #include "c4d/ge_data.h"
+#include "c4d/node_data.h"
 
 #include <functional>
 #include <initializer_list>
@@ -18,6 +19,11 @@ enum
 // Runs registration with the resource string of nameId. A plug-in whose
 // name is missing from the resource is skipped: that counts as success.
 bool registerNamed(int32_t nameId, const std::function<bool(const String&)>& registration);
+
+// Registers one of the plug-in's tags: visible, named by the resource
+// string nameId (skipped when missing), with its description and the icon
+// of the module's res folder.
+bool registerTag(int32_t id, int32_t nameId, DataAllocator* allocator, const char* description, const char* icon);
 
 // The file of the module's res folder, where icons and resources lie.
 Filename moduleResourceFile(const char* name);

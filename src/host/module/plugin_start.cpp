@@ -4,6 +4,8 @@
 #include "c4d/preview_scenes.h"
 #include "host/about_command.h"
 #include "host/camera_tag.h"
+#include "host/light_tag.h"
+#include "host/object_tags.h"
 #include "host/plugin_globals.h"
 #include "host/plugin_ids.h"
 #include "host/plugin_version.h"
@@ -45,7 +47,11 @@ void loadSdk(const std::string& module_dir)
 bool registerPlugins()
 {
 	bool (*const registrations[])() = {
+		RegisterLightTag,
+		RegisterExitPortalTag,
 		RegisterCameraTag,
+		RegisterSubdivisionTag,
+		RegisterCompositingTag,
 		RegisterAboutCommand,
 		RegisterVelornVideoPost,
 		RegisterPlaceholderCommand,

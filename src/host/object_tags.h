@@ -1,0 +1,36 @@
+#pragma once
+
+#include "c4d/node_data.h"
+
+// The tags that only carry settings of one object for the export: its
+// subdivision, whether it is an exit portal, and its compositing flags.
+
+// The subdivision tag: how the renderer subdivides and displaces the
+// object's mesh.
+class SubdivisionTag : public TagData
+{
+public:
+	static NodeData* Alloc() { return new SubdivisionTag(); }
+
+	bool Init(GeListNode* node) override;
+};
+
+// The exit portal tag: the object becomes a portal through which the
+// background lights an interior. It has no defaults of its own.
+class ExitPortalTag : public TagData
+{
+public:
+	static NodeData* Alloc() { return new ExitPortalTag(); }
+};
+
+// The compositing and animation tag: hides the object and its children from
+// the camera. It has no defaults of its own.
+class CompositingTag : public TagData
+{
+public:
+	static NodeData* Alloc() { return new CompositingTag(); }
+};
+
+bool RegisterSubdivisionTag();
+bool RegisterExitPortalTag();
+bool RegisterCompositingTag();
