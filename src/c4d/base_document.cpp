@@ -1,6 +1,32 @@
 #include "c4d/base_document.h"
 
+#include "c4d/base_thread.h"
+#include "c4d/polygon_object.h"
+#include "c4d/primitives.h"
 #include "c4d/world_preferences.h"
+
+namespace
+{
+
+// Gives every primitive generator from op on (its siblings, and the children
+// of all) that has no cache the cache it builds.
+void buildPrimitiveCaches(BaseObject* op)
+{
+	for(; op; op = op->GetNext())
+	{
+		if(!op->GetCache() && IsPrimitiveType(op->GetType()))
+		{
+			if(BaseObject* cache = BuildPrimitive(*op))
+			{
+				cache->SetBit(BIT_BUILTCACHE);
+				op->SetCache(cache);
+			}
+		}
+		buildPrimitiveCaches(op->GetDown());
+	}
+}
+
+} // namespace
 
 BaseDocument::BaseDocument()
 	: BaseList2D(Tbasedocument), objects(this), materials(this), layers(this), renderDatas(this),
@@ -43,4 +69,32 @@ double BaseDocument::GetUnitScale() const
 {
 	static const double metres[] = {1000.0, 1.0, 0.01, 0.001};
 	return metres[GetUnit() - DOCUMENT_UNIT_KM];
+}
+
+void BaseDocument::AnimateObject(BaseObject* op, const BaseTime& t, int32_t flags)
+{
+	if(!op)
+		return;
+	if(!op->GetTracks().IsEmpty())
+		op->SetMl(op->GetTracks().Evaluate(op->GetMl(), t));
+	if(flags & ANIMATEFLAGS_NO_CHILDREN)
+		return;
+	for(BaseObject* child = op->GetDown(); child; child = child->GetNext())
+		AnimateObject(child, t, flags);
+}
+
+bool BaseDocument::ExecutePasses(BaseThread* bt, bool animation, bool, bool caches, int32_t)
+{
+	if(bt && bt->TestBreak())
+		return false;
+	if(animation)
+	{
+		for(BaseObject* op = GetFirstObject(); op; op = op->GetNext())
+			AnimateObject(op, time, 0);
+	}
+	if(bt && bt->TestBreak())
+		return false;
+	if(caches)
+		buildPrimitiveCaches(GetFirstObject());
+	return true;
 }

@@ -9,6 +9,16 @@
 #include "c4d/render_data.h"
 
 class BaseDraw;
+class BaseThread;
+
+// Flags of AnimateObject.
+enum
+{
+	// Only the keyframes are set: no expressions, no particles.
+	ANIMATEFLAGS_QUICK = 8,
+	// The object alone, not its children.
+	ANIMATEFLAGS_NO_CHILDREN = 16,
+};
 
 // The length units a document can be set to, by the application's numbering
 // of its unit preference.
@@ -71,6 +81,17 @@ public:
 	void SetDocumentPath(const Filename& p) { path = p; }
 	const Filename& GetDocumentName() const { return name; }
 	void SetDocumentName(const Filename& n) { name = n; }
+
+	// What the application does before a render: with animation, every
+	// object takes its keyframe values at the document's time; with caches,
+	// every primitive generator without a cache gets the one it builds.
+	// Expressions and flags are accepted for the application's signature and
+	// change nothing here. False when bt asks to stop.
+	bool ExecutePasses(BaseThread* bt, bool animation, bool expressions, bool caches, int32_t flags);
+	// Sets op's local matrix (and, unless ANIMATEFLAGS_NO_CHILDREN, its
+	// children's) to the values of its keyframe tracks at time; objects
+	// without tracks keep theirs.
+	void AnimateObject(BaseObject* op, const BaseTime& time, int32_t flags);
 
 	// One of the DOCUMENT_UNIT_ constants; other values are refused. The
 	// unit is the host's unit preference (WPREF_UNITS), shared by all

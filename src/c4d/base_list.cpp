@@ -1,5 +1,7 @@
 #include "c4d/base_list.h"
 
+#include "c4d/base_shader.h"
+
 #include <iterator>
 
 GeListNode* GeListNode::GetNext() const
@@ -122,8 +124,25 @@ void GeListHead::Insert(GeListNode* node, GeListNode* pred)
 		InsertFirst(node);
 }
 
+BaseShader* BaseList2D::GetFirstShader() const
+{
+	return static_cast<BaseShader*>(ownsShadersAsChildren() ? GetDown() : shaders.GetFirst());
+}
+
+void BaseList2D::InsertShader(BaseShader* sh, BaseShader* pred)
+{
+	if(pred)
+		sh->InsertAfter(pred);
+	else if(ownsShadersAsChildren())
+		sh->InsertUnder(this);
+	else
+		shaders.InsertFirst(sh);
+}
+
 void BaseList2D::beforeFree()
 {
+	for(GeListNode* sh = shaders.GetFirst(); sh; sh = sh->GetNext())
+		sh->releaseAll();
 	if(!nodeData)
 		return;
 	nodeData->Free(this);

@@ -8,6 +8,7 @@
 #include <list>
 #include <memory>
 
+class BaseShader;
 class GeListHead;
 
 // Bits of a node's state that the application keeps besides its parameters.
@@ -125,10 +126,14 @@ private:
 // owns and lets go (NodeData::Free) when it is released: before it leaves
 // its list when Free is called on it or on a node above it, or before its
 // list or parent deletes it.
+//
+// Any node can own shaders, such as the ones its parameters link to. They
+// are released with the node, before the node's own NodeData, so that both
+// see each other whole.
 class BaseList2D : public GeListNode
 {
 public:
-	explicit BaseList2D(int32_t type_) : GeListNode(type_) {}
+	explicit BaseList2D(int32_t type_) : GeListNode(type_), shaders(this) {}
 
 	// The plug-in's data of the node; null for the host's own types.
 	NodeData* GetNodeData() const { return nodeData.get(); }
@@ -152,8 +157,17 @@ public:
 	void DelBit(int32_t mask) { bits &= ~mask; }
 	int32_t GetAllBits() const { return bits; }
 
+	// The first of the shaders the node owns; GetNext gives the others.
+	BaseShader* GetFirstShader() const;
+	// Puts the free shader sh after pred, one of the node's shaders, or first
+	// when pred is null; the node owns it.
+	void InsertShader(BaseShader* sh, BaseShader* pred = nullptr);
+
 protected:
 	void beforeFree() override;
+	// A shader keeps the shaders it owns as its children (GetDown); other
+	// nodes keep them in a list of their own.
+	virtual bool ownsShadersAsChildren() const { return false; }
 
 private:
 	String name;
@@ -161,6 +175,7 @@ private:
 	int32_t info = 0;
 	int32_t bits = 0;
 	std::unique_ptr<NodeData> nodeData;
+	GeListHead shaders;
 };
 
 // Navigation typed as T, for node classes whose lists hold only their own

@@ -2,6 +2,7 @@
 
 #include "c4d/base_list.h"
 #include "c4d/base_tag.h"
+#include "c4d/keyframe_track.h"
 #include "c4d/vector_matrix.h"
 
 #include <memory>
@@ -20,6 +21,9 @@ enum
 	Oinstance = 5126,
 	Osphere = 5160,
 	Oplane = 5168,
+	// A host type that the export skips by number, with its caches, while
+	// still walking its children; what it is in the host does not matter.
+	Oskipped = 1011146,
 };
 
 // Object types that the plug-in only names. Their numbers follow the
@@ -28,6 +32,8 @@ enum
 enum
 {
 	Onull = 5140,
+	Ofloor = 5104,
+	Osky = 5105,
 	Ocube = 5159,
 	Odisc = 5164,
 	Ocylinder = 5170,
@@ -38,6 +44,15 @@ enum
 enum
 {
 	OBJECT_CAMERADEPENDENT = 0x200,
+};
+
+// State bit of an object that is a cache the host built from its
+// generator's parameters (BaseDocument::ExecutePasses), unlike a cache that
+// a document file brought: files keep only the latter, since the host makes
+// the former again. A bit of this host's own.
+enum
+{
+	BIT_BUILTCACHE = 1 << 24,
 };
 
 // The editor and render visibility of an object: on, off, or as its parent.
@@ -99,6 +114,11 @@ public:
 	// never stale.
 	BaseObject* GetOrigin(bool safe = false) const;
 
+	// The keyframes of the object's position, rotation and scale, which
+	// BaseDocument::AnimateObject applies to the local matrix.
+	ObjectTracks& GetTracks() { return tracks; }
+	const ObjectTracks& GetTracks() const { return tracks; }
+
 	// The layer is one of the document's layers; the document argument is
 	// the one the object is in, as in the application.
 	LayerObject* GetLayerObject(BaseDocument* doc) const;
@@ -120,4 +140,5 @@ private:
 	std::unique_ptr<BaseObject> deformCache;
 	BaseObject* cacheParent = nullptr;
 	LayerObject* layer = nullptr;
+	ObjectTracks tracks;
 };

@@ -1,13 +1,17 @@
+#include "c4d/base_shader.h"
 #include "c4d/document_file.h"
 #include "c4d/node_defaults.h"
 #include "c4d/plugin_test_helpers.h"
 #include "c4d/polygon_object.h"
+#include "c4d/texture_tag.h"
+#include "c4d/variable_tags.h"
 #include "c4d/world_preferences.h"
 
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 
 namespace
@@ -21,22 +25,23 @@ using DocPtr = std::unique_ptr<BaseDocument, FreeDocument>;
 
 const std::string EXAMPLE = VelornTest::testDataPath("../docs/document-format-example.json");
 
-// The example and some tests name the renderer's video post, a plug-in: a
-// plain one stands in for it here.
-void registerVideoPost()
+// The example and some tests name the renderer's video post and one of the
+// plug-in's shaders: plain plug-ins stand in for them here.
+void registerPlugins()
 {
 	registerPlainPlugins(PluginKind::VideoPost, {1020896});
+	registerPlainPlugins(PluginKind::Shader, {1024769});
 }
 
 DocPtr loadExample()
 {
-	registerVideoPost();
+	registerPlugins();
 	return DocPtr(LoadDocumentFile(Filename(String(EXAMPLE))));
 }
 
 DocPtr read(const std::string& text, const std::string& file = "scene.json")
 {
-	registerVideoPost();
+	registerPlugins();
 	return DocPtr(ReadDocumentText(text, Filename(String(file))));
 }
 
@@ -95,6 +100,9 @@ TEST(DocumentFile, ExampleSettingsAndTree)
 		{{"Set", "Ground"}, Opolygon, objectAt(*doc, {"Set"})},
 		{{"Set", "Crate"}, Opolygon, objectAt(*doc, {"Set"})},
 		{{"Set", "Key Light"}, Olight, objectAt(*doc, {"Set"})},
+		{{"Set", "Ball"}, Osphere, objectAt(*doc, {"Set"})},
+		{{"Set", "Rounded Box"}, Ocube, objectAt(*doc, {"Set"})},
+		{{"Set", "Flag"}, Opolygon, objectAt(*doc, {"Set"})},
 	};
 	for(const auto& t : objects)
 	{
@@ -106,7 +114,7 @@ TEST(DocumentFile, ExampleSettingsAndTree)
 	}
 	EXPECT_EQ(doc->GetFirstObject()->GetName(), String("Main Camera"));
 	EXPECT_EQ(objectAt(*doc, {"Set"})->GetDown()->GetName(), String("Ground"));
-	EXPECT_EQ(objectAt(*doc, {"Set"})->GetDownLast()->GetName(), String("Key Light"));
+	EXPECT_EQ(objectAt(*doc, {"Set"})->GetDownLast()->GetName(), String("Flag"));
 
 	const BaseObject* crate = objectAt(*doc, {"Set", "Crate"});
 	EXPECT_EQ(crate->GetMl(), Matrix(Vector(1, 0, 0), Vector(2, 0, 0), Vector(0, 2, 0), Vector(0, 0, 2)));
@@ -142,6 +150,8 @@ TEST(DocumentFile, ExampleParameters)
 		{doc->GetFirstMaterial(), 2000, GeData(Vector(0.8, 0.8, 0.75))},
 		{doc->GetFirstMaterial(), 2001, GeData(0.25)},
 		{doc->GetFirstMaterial(), 2002, GeData(Filename("textures/oak.png"))},
+		// A link to a shader.
+		{doc->GetFirstMaterial(), 2003, GeData(static_cast<BaseList2D*>(doc->GetFirstMaterial()->GetFirstShader()->GetNext()))},
 		{doc->GetActiveRenderData(), 5, GeData((int32_t)1280)},
 	};
 	for(const auto& t : params)
@@ -149,7 +159,9 @@ TEST(DocumentFile, ExampleParameters)
 		SCOPED_TRACE(t.id);
 		EXPECT_EQ(t.node->GetDataInstance()->GetData(t.id), t.expected);
 	}
-	EXPECT_EQ(light->GetDataInstance()->GetCount(), 5);
+	// The file's five values come on top of the host light's seven defaults.
+	EXPECT_EQ(light->GetDataInstance()->GetCount(), 12);
+	EXPECT_EQ(light->GetDataInstance()->GetFloat(100012), 200.0);
 }
 
 TEST(DocumentFile, ExampleTagsMaterialsLayersRender)
@@ -164,7 +176,7 @@ TEST(DocumentFile, ExampleTagsMaterialsLayersRender)
 	EXPECT_EQ(texture->GetDataInstance()->GetLink(1010), doc->GetFirstMaterial());
 	ASSERT_NE(texture->GetNext(), nullptr);
 	EXPECT_EQ(texture->GetNext()->GetType(), Tphong);
-	EXPECT_EQ(texture->GetNext()->GetNext(), nullptr);
+	EXPECT_EQ(texture->GetNext()->GetNext()->GetType(), Tuvw);
 
 	const BaseMaterial* floor = doc->GetFirstMaterial();
 	EXPECT_EQ(floor->GetType(), Mmaterial);
@@ -247,12 +259,57 @@ TEST(DocumentFile, SavedAndLoadedAgainIsTheSame)
 	EXPECT_EQ(again->GetActiveCamera(), objectAt(*again, {"Main Camera"}));
 	const BaseObject* light = objectAt(*again, {"Set", "Key Light"});
 	EXPECT_EQ(light->GetDataInstance()->GetLink(902), objectAt(*again, {"Set", "Crate"}));
-	EXPECT_EQ(*again->GetFirstMaterial()->GetDataInstance(), *doc->GetFirstMaterial()->GetDataInstance());
+	const BaseMaterial* floor = again->GetFirstMaterial();
+	for(int32_t id : {2000, 2001, 2002})
+		EXPECT_EQ(floor->GetDataInstance()->GetData(id), doc->GetFirstMaterial()->GetDataInstance()->GetData(id));
+	EXPECT_EQ(floor->GetDataInstance()->GetLink(2003), floor->GetFirstShader()->GetNext());
 	EXPECT_EQ(light->GetDataInstance()->GetContainer(904), objectAt(*doc, {"Set", "Key Light"})->GetDataInstance()->GetContainer(904));
 	const auto* crate = static_cast<const PolygonObject*>(objectAt(*again, {"Set", "Crate"}));
 	EXPECT_EQ(crate->GetPolygonCount(), 3);
 	EXPECT_EQ(crate->GetMl().v1, Vector(2, 0, 0));
 	EXPECT_NE(again->GetActiveRenderData()->GetFirstVideoPost()->GetNext()->GetInfo() & VIDEOPOST_DISABLED, 0);
+
+	// Shaders (Mix owns Tint and Grain and links to them), tag data, tracks
+	// and caches, as the example gives them, through a save and a load.
+	const BaseShader* mix = floor->GetFirstShader()->GetNext();
+	EXPECT_EQ(floor->GetFirstShader()->GetDataInstance()->GetFilename(BITMAPSHADER_FILENAME), Filename("textures/oak.png"));
+	EXPECT_EQ(mix->GetType(), 1024769);
+	EXPECT_EQ(mix->GetDataInstance()->GetLink(1600), mix->GetDown());
+	EXPECT_EQ(mix->GetDown()->GetDataInstance()->GetVector(COLORSHADER_COLOR), Vector(0.9, 0.7, 0.5));
+	EXPECT_EQ(mix->GetDataInstance()->GetLink(1601), mix->GetDown()->GetNext());
+	EXPECT_EQ(mix->GetDown()->GetNext()->GetType(), Xbitmap);
+	const BaseObject* ground = objectAt(*again, {"Set", "Ground"});
+	const UVWStruct& uv = static_cast<const UVWTag*>(ground->GetTag(Tuvw))->Get(0);
+	EXPECT_EQ(std::vector<Vector>({uv.a, uv.b, uv.c, uv.d}),
+		std::vector<Vector>({Vector(0, 0, 0), Vector(1, 0, 0), Vector(1, 1, 0), Vector(0, 1, 0)}));
+	EXPECT_EQ(static_cast<const SelectionTag*>(ground->GetTag(Tpolygonselection))->GetBaseSelect()->GetCount(), 1);
+	const BaseSelect* corners = static_cast<const SelectionTag*>(ground->GetTag(Tpointselection))->GetBaseSelect();
+	EXPECT_EQ(corners->GetCount(), 3);
+	EXPECT_FALSE(corners->IsSelected(1));
+	EXPECT_EQ(static_cast<const TextureTag*>(ground->GetTag(Ttexture, 1))->GetMl(),
+		Matrix(Vector(0, 0.5, 0), Vector(5, 0, 0), Vector(0, 0, 5), Vector(0, -1, 0)));
+	const BaseObject* ball = objectAt(*again, {"Set", "Ball"});
+	const std::vector<Keyframe>& position = ball->GetTracks().position.GetKeys();
+	ASSERT_EQ(position.size(), 3u);
+	EXPECT_EQ(position[1].time, BaseTime(10, 25));
+	EXPECT_EQ(position[2].value, Vector(2, 0.5, 3));
+	EXPECT_EQ(ball->GetTracks().rotation.GetKeys().at(1).value, Vector(M_PI, 0, 0));
+	EXPECT_TRUE(ball->GetTracks().scale.IsEmpty());
+	EXPECT_EQ(ball->GetCache(), nullptr);
+	const BaseObject* boxCache = objectAt(*again, {"Set", "Rounded Box"})->GetCache();
+	ASSERT_NE(boxCache, nullptr);
+	EXPECT_EQ(static_cast<const PolygonObject*>(boxCache)->GetPointCount(), 4);
+	EXPECT_NE(boxCache->GetTag(Tuvw), nullptr);
+	const BaseObject* flag = objectAt(*again, {"Set", "Flag"})->GetDeformCache();
+	ASSERT_NE(flag, nullptr);
+	EXPECT_EQ(static_cast<const PolygonObject*>(flag)->GetPointR()[1], Vector(1, 0, 0.25));
+
+	// The caches the host builds for a render are not written: the ball's is
+	// made again, the box keeps the one the file gave.
+	ASSERT_TRUE(again->ExecutePasses(nullptr, false, false, true, 0));
+	EXPECT_NE(objectAt(*again, {"Set", "Ball"})->GetCache(), nullptr);
+	EXPECT_EQ(objectAt(*again, {"Set", "Rounded Box"})->GetCache(), boxCache);
+	EXPECT_EQ(WriteDocumentText(*again), saved);
 }
 
 TEST(DocumentFile, WrittenText)
@@ -310,7 +367,7 @@ TEST(DocumentFile, DefaultsFirstThenFileValues)
 	const DocPtr doc = read(R"({"version": 1, "objects": [
 		{"type": 5159, "name": "A", "params": [{"id": 1100, "type": "real", "value": 2.5}]},
 		{"type": 5159, "name": "B"},
-		{"type": 5160, "name": "C"}]})");
+		{"type": 5140, "name": "C", "tags": [{"type": 5636}]}]})");
 	RegisterNodeDefaults(Ocube, NodeDefaults());
 	EXPECT_EQ(runs, 2);
 	const BaseContainer* a = objectAt(*doc, {"A"})->GetDataInstance();
@@ -318,6 +375,8 @@ TEST(DocumentFile, DefaultsFirstThenFileValues)
 	EXPECT_EQ(a->GetString(1101), String("from defaults"));
 	EXPECT_EQ(objectAt(*doc, {"B"})->GetDataInstance()->GetFloat(1100), 1.0);
 	EXPECT_EQ(objectAt(*doc, {"C"})->GetDataInstance()->GetCount(), 0);
+	// A default of the host's own: a motion blur tag blurs over the whole exposure.
+	EXPECT_EQ(objectAt(*doc, {"C"})->GetFirstTag()->GetDataInstance()->GetFloat(MOTIONBLURTAG_STRENGTH), 1.0);
 	// Removed defaults no longer run.
 	read(R"({"version": 1, "objects": [{"type": 5159}]})");
 	EXPECT_EQ(runs, 2);
@@ -366,7 +425,7 @@ TEST(DocumentFile, BadDocuments)
 			"scene.json: objects[0].params[1].id: parameter 1 is given twice"},
 		{obj + R"({"type": 5140, "children": [{"type": 5140, "params": [{"id": 1, "type": "link", "value": "Gone"}]}]}]})",
 			"scene.json: objects[0].children[0].params[0].value: the link names 'Gone', but there is no object, "
-			"material or layer of that name"},
+			"material, shader or layer of that name"},
 		{obj + R"({"type": 5140, "points": [[0, 0, 0]]}]})",
 			"scene.json: objects[0]: points, polygons and model are only for polygon objects (type 5100)"},
 		{obj + R"({"type": 5100, "points": [[0, 0, 0]], "model": "a.obj"}]})",
@@ -385,6 +444,35 @@ TEST(DocumentFile, BadDocuments)
 			"registered plug-in"},
 		{obj + R"({"type": 77}]})",
 			"scene.json: objects[0].type: unknown object type 77: neither a type of the host nor a registered plug-in"},
+		{R"({"version": 1, "materials": [{"type": 5703, "shaders": [{"type": 5832}, {"type": 5832, "children": [{"type": 77}]}]}]})",
+			"scene.json: materials[0].shaders[1].children[0].type: unknown shader type 77: neither a type of the host "
+			"nor a registered plug-in"},
+		{obj + R"({"type": 5100, "tags": [{"type": 5671, "uvw": [[[0, 0], [1, 0], [1, 1], [0, 1]], [[0, 0], [1, 0], [1, 1]]]}]}]})",
+			"scene.json: objects[0].tags[0].uvw[1]: expected four [u, v] pairs"},
+		{obj + R"({"type": 5100, "tags": [{"type": 5671, "uvw": [[[0, 0], [1, 0], [1, 1, 0], [0, 1]]]}]}]})",
+			"scene.json: objects[0].tags[0].uvw[0][2]: expected [u, v]"},
+		{obj + R"({"type": 5100, "tags": [{"type": 5616, "uvw": []}]}]})",
+			"scene.json: objects[0].tags[0]: uvw is only for tags of type 5671"},
+		{obj + R"({"type": 5100, "tags": [{"type": 5671, "selection": []}]}]})",
+			"scene.json: objects[0].tags[0]: selection is only for tags of type 5673 or 5674"},
+		{obj + R"({"type": 5100, "tags": [{"type": 5673, "selection": [1, [7, 2]]}]}]})",
+			"scene.json: objects[0].tags[0].selection[1]: the range [7, 2] ends before it starts"},
+		{obj + R"({"type": 5100, "tags": [{"type": 5674, "selection": [0, [-2, 3]]}]}]})",
+			"scene.json: objects[0].tags[0].selection[1]: the index -2 is negative"},
+		{obj + R"({"type": 5100, "tags": [{"type": 5674, "selection": ["3"]}]}]})",
+			"scene.json: objects[0].tags[0].selection[0]: expected an index or [min, max]"},
+		{obj + R"({"type": 5140, "tracks": {"rotation": [{"time": [0, 1], "value": [0, 0, 0]},
+			{"time": [1, 2], "value": [1, 0, 0]}, {"time": [2, 4], "value": [2, 0, 0]}]}}]})",
+			"scene.json: objects[0].tracks.rotation[2].time: a key must come later than the key before it"},
+		{obj + R"({"type": 5140, "tracks": {"scale": [{"time": [3, 1], "value": [1, 1, 1]}, {"time": [1, 1], "value": [1, 1, 1]}]}}]})",
+			"scene.json: objects[0].tracks.scale[1].time: a key must come later than the key before it"},
+		{obj + R"({"type": 5140, "children": [{"type": 5159, "deform_cache": {"type": 77}}]}]})",
+			"scene.json: objects[0].children[0].deform_cache.type: unknown object type 77: neither a type of the host "
+			"nor a registered plug-in"},
+		// Objects in caches are no link targets.
+		{obj + R"({"type": 5159, "cache": {"type": 5100, "name": "Inner"}, "params": [{"id": 1, "type": "link", "value": "Inner"}]}]})",
+			"scene.json: objects[0].params[0].value: the link names 'Inner', but there is no object, material, shader or "
+			"layer of that name"},
 	};
 	for(const auto& t : cases)
 	{

@@ -1,11 +1,15 @@
+#include "c4d/base_shader.h"
 #include "c4d/document_checks.h"
 #include "c4d/polygon_object.h"
+#include "c4d/texture_tag.h"
+#include "c4d/variable_tags.h"
 
 #include "mesh/mesh.h"
 #include "mesh/model_decoder.h"
 #include "support/file_utils.h"
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <set>
@@ -23,8 +27,8 @@ struct FreeDocument
 };
 
 // Builds a document from its JSON form in two passes: the first makes every
-// node with its defaults, name, matrix and geometry; the second sets the
-// parameters, when every name a link may point to is known.
+// node with its defaults, name, matrix, geometry and data; the second sets
+// the parameters, when every name a link may point to is known.
 class Reader : DocumentChecks
 {
 public:
@@ -41,7 +45,7 @@ public:
 		readLayers(*doc, root);
 		readMaterials(*doc, root);
 		if(const Json* objects = find(root, "objects"))
-			readObjects(*doc, *objects, "objects", nullptr);
+			readObjects(*doc, *objects, "objects", nullptr, &objectNames);
 		readRender(*doc->GetActiveRenderData(), root);
 		for(const Pending& p : pending)
 			readParams(*p.node->GetDataInstance(), *p.params, p.place);
@@ -121,47 +125,116 @@ private:
 		{
 			const Json& j = (*materials)[i];
 			const std::string place = element("materials", i);
-			checkKeys(j, place, {"type", "name", "params"});
+			checkKeys(j, place, {"type", "name", "params", "shaders"});
 			BaseMaterial* mat = allocate<BaseMaterial>(j, place, "material");
 			doc.InsertMaterial(mat, pred);
 			begin(*mat, j, place, &materialNames);
+			if(const Json* shaders = find(j, "shaders"))
+				readShaders(*mat, *shaders, member(place, "shaders"));
 			pred = mat;
 		}
 	}
 
-	void readObjects(BaseDocument& doc, const Json& list, const std::string& place, BaseObject* parent)
+	// The shaders of a material, or the children of a shader, which are the
+	// shaders it owns.
+	void readShaders(BaseList2D& owner, const Json& list, const std::string& place)
+	{
+		BaseShader* pred = nullptr;
+		for(size_t i = 0; i < array(list, place).size(); ++i)
+		{
+			const Json& j = list[i];
+			const std::string at = element(place, i);
+			checkKeys(j, at, {"type", "name", "params", "children"});
+			BaseShader* sh = allocate<BaseShader>(j, at, "shader");
+			owner.InsertShader(sh, pred);
+			begin(*sh, j, at, &shaderNames);
+			if(const Json* children = find(j, "children"))
+				readShaders(*sh, *children, member(at, "children"));
+			pred = sh;
+		}
+	}
+
+	// Objects of the tree, or of a cache when names is null: objects in
+	// caches are no targets of links.
+	void readObjects(BaseDocument& doc, const Json& list, const std::string& place, BaseObject* parent,
+		Names* names)
 	{
 		BaseObject* pred = nullptr;
 		for(size_t i = 0; i < array(list, place).size(); ++i)
 		{
-			BaseObject* op = readObject(doc, list[i], element(place, i), parent, pred);
+			const std::string at = element(place, i);
+			BaseObject* op = newObject(list[i], at);
+			doc.InsertObject(op, parent, pred);
+			readObject(doc, *op, list[i], at, names);
 			pred = op;
 		}
 	}
 
-	BaseObject* readObject(BaseDocument& doc, const Json& j, const std::string& place, BaseObject* parent,
-		BaseObject* pred)
+	// The object is placed by the caller right away, so that it is freed with
+	// the document when a later read fails.
+	BaseObject* newObject(const Json& j, const std::string& place) const
 	{
 		checkKeys(j, place, {"type", "name", "matrix", "render_mode", "editor_mode", "enabled", "layer", "params",
-			"tags", "children", "points", "polygons", "model"});
-		BaseObject* op = allocate<BaseObject>(j, place, "object");
-		doc.InsertObject(op, parent, pred);
-		begin(*op, j, place, &objectNames);
+			"tags", "tracks", "cache", "deform_cache", "children", "points", "polygons", "model"});
+		return allocate<BaseObject>(j, place, "object");
+	}
+
+	void readObject(BaseDocument& doc, BaseObject& op, const Json& j, const std::string& place, Names* names)
+	{
+		begin(op, j, place, names);
 		if(const Json* matrix = find(j, "matrix"))
-			op->SetMl(readMatrix(*matrix, member(place, "matrix")));
+			op.SetMl(readMatrix(*matrix, member(place, "matrix")));
 		if(const Json* mode = find(j, "render_mode"))
-			op->SetRenderMode(named(DocumentTables::modes, *mode, member(place, "render_mode")));
+			op.SetRenderMode(named(DocumentTables::modes, *mode, member(place, "render_mode")));
 		if(const Json* mode = find(j, "editor_mode"))
-			op->SetEditorMode(named(DocumentTables::modes, *mode, member(place, "editor_mode")));
+			op.SetEditorMode(named(DocumentTables::modes, *mode, member(place, "editor_mode")));
 		if(const Json* enabled = find(j, "enabled"))
-			op->SetDeformMode(boolean(*enabled, member(place, "enabled")));
+			op.SetDeformMode(boolean(*enabled, member(place, "enabled")));
 		if(const Json* layer = find(j, "layer"))
-			op->SetLayerObject(static_cast<LayerObject*>(lookUp(layerNames, "layer", *layer, member(place, "layer"))));
-		readGeometry(*op, j, place);
-		readTags(*op, j, place);
+			op.SetLayerObject(static_cast<LayerObject*>(lookUp(layerNames, "layer", *layer, member(place, "layer"))));
+		readGeometry(op, j, place);
+		readTags(op, j, place);
+		if(const Json* tracks = find(j, "tracks"))
+			readTracks(op.GetTracks(), *tracks, member(place, "tracks"));
+		readCache(doc, op, j, place, "cache", &BaseObject::SetCache);
+		readCache(doc, op, j, place, "deform_cache", &BaseObject::SetDeformCache);
 		if(const Json* children = find(j, "children"))
-			readObjects(doc, *children, member(place, "children"), op);
-		return op;
+			readObjects(doc, *children, member(place, "children"), &op, names);
+	}
+
+	// A cache the file gives; the object keeps it, and ExecutePasses builds
+	// none in its place.
+	void readCache(BaseDocument& doc, BaseObject& op, const Json& j, const std::string& place, const char* key,
+		void (BaseObject::*set)(BaseObject*))
+	{
+		const Json* cj = find(j, key);
+		if(!cj)
+			return;
+		const std::string at = member(place, key);
+		BaseObject* cache = newObject(*cj, at);
+		(op.*set)(cache);
+		readObject(doc, *cache, *cj, at, nullptr);
+	}
+
+	void readTracks(ObjectTracks& tracks, const Json& j, const std::string& place) const
+	{
+		checkKeys(j, place, {"position", "rotation", "scale"});
+		for(const DocumentTables::Track& t : DocumentTables::tracks)
+			if(const Json* keys = find(j, t.name))
+				readKeys(tracks.*t.track, *keys, member(place, t.name));
+	}
+
+	void readKeys(KeyframeTrack& track, const Json& list, const std::string& place) const
+	{
+		for(size_t i = 0; i < array(list, place).size(); ++i)
+		{
+			const Json& j = list[i];
+			const std::string at = element(place, i);
+			checkKeys(j, at, {"time", "value"});
+			const BaseTime t = time(required(j, at, "time"), member(at, "time"));
+			if(!track.AppendKey(t, vector(required(j, at, "value"), member(at, "value"))))
+				fail(member(at, "time"), "a key must come later than the key before it");
+		}
 	}
 
 	Matrix readMatrix(const Json& j, const std::string& place) const
@@ -184,11 +257,84 @@ private:
 		{
 			const Json& tj = (*tags)[i];
 			const std::string tagPlace = element(tagsPlace, i);
-			checkKeys(tj, tagPlace, {"type", "name", "params"});
+			checkKeys(tj, tagPlace, {"type", "name", "params", "uvw", "selection", "matrix"});
 			BaseTag* tag = allocate<BaseTag>(tj, tagPlace, "tag");
 			op.InsertTag(tag, pred);
 			begin(*tag, tj, tagPlace, nullptr);
+			readTagData(*tag, tj, tagPlace);
 			pred = tag;
+		}
+	}
+
+	// The data of a UVW, selection or texture tag.
+	void readTagData(BaseTag& tag, const Json& j, const std::string& place) const
+	{
+		const char* key = DocumentTables::tagDataKey(tag.GetType());
+		for(const DocumentTables::Name& entry : DocumentTables::tagData)
+			if(find(j, entry.name) && !(key && std::strcmp(key, entry.name) == 0))
+				fail(place, std::string(entry.name) + " is only for tags of type " + typesWithData(entry.name));
+		const Json* data = key ? find(j, key) : nullptr;
+		if(!data)
+			return;
+		const std::string at = member(place, key);
+		if(tag.GetType() == Tuvw)
+			readUVW(static_cast<UVWTag&>(tag), *data, at);
+		else if(tag.GetType() == Ttexture)
+			static_cast<TextureTag&>(tag).SetMl(readMatrix(*data, at));
+		else
+			readSelection(*static_cast<SelectionTag&>(tag).GetBaseSelect(), *data, at);
+	}
+
+	// The tag types whose data is under key, as "5673 or 5674".
+	static std::string typesWithData(const char* key)
+	{
+		std::string types;
+		for(const DocumentTables::Name& entry : DocumentTables::tagData)
+			if(std::strcmp(entry.name, key) == 0)
+				types += (types.empty() ? "" : " or ") + std::to_string(entry.value);
+		return types;
+	}
+
+	// One record of four [u, v] pairs per polygon.
+	void readUVW(UVWTag& tag, const Json& list, const std::string& place) const
+	{
+		tag.Resize((int32_t)array(list, place).size());
+		for(size_t i = 0; i < list.size(); ++i)
+		{
+			const std::string at = element(place, i);
+			if(!list[i].is_array() || list[i].size() != 4)
+				fail(at, "expected four [u, v] pairs");
+			Vector corners[4];
+			for(size_t k = 0; k < 4; ++k)
+				corners[k] = uvPair(list[i][k], element(at, k));
+			tag.Set((int32_t)i, UVWStruct{corners[0], corners[1], corners[2], corners[3]});
+		}
+	}
+
+	Vector uvPair(const Json& j, const std::string& place) const
+	{
+		if(!j.is_array() || j.size() != 2)
+			fail(place, "expected [u, v]");
+		return Vector(number(j[0], element(place, 0)), number(j[1], element(place, 1)), 0);
+	}
+
+	// Indices and [min, max] ranges, both inclusive.
+	void readSelection(BaseSelect& selection, const Json& list, const std::string& place) const
+	{
+		for(size_t i = 0; i < array(list, place).size(); ++i)
+		{
+			const Json& j = list[i];
+			const std::string at = element(place, i);
+			const bool range = j.is_array() && j.size() == 2;
+			if(!range && !j.is_number_integer())
+				fail(at, "expected an index or [min, max]");
+			const int32_t min = integer(range ? j[0] : j, range ? element(at, 0) : at);
+			const int32_t max = range ? integer(j[1], element(at, 1)) : min;
+			if(min < 0)
+				fail(at, "the index " + std::to_string(min) + " is negative");
+			if(min > max)
+				fail(at, "the range [" + std::to_string(min) + ", " + std::to_string(max) + "] ends before it starts");
+			selection.SelectAll(min, max);
 		}
 	}
 
@@ -333,19 +479,19 @@ private:
 		return found->second;
 	}
 
-	// Objects first, then materials, then layers, as the first of the name.
+	// Objects first, then materials, shaders and layers, as the first of the name.
 	BaseList2D* linkTarget(const Json& j, const std::string& place) const
 	{
 		if(j.is_null())
 			return nullptr;
 		const std::string name = text(j, place);
-		for(const Names* names : {&objectNames, &materialNames, &layerNames})
+		for(const Names* names : {&objectNames, &materialNames, &shaderNames, &layerNames})
 		{
 			const auto found = names->find(name);
 			if(found != names->end())
 				return found->second;
 		}
-		fail(place, "the link names '" + name + "', but there is no object, material or layer of that name");
+		fail(place, "the link names '" + name + "', but there is no object, material, shader or layer of that name");
 	}
 
 	void readParams(BaseContainer& bc, const Json& list, const std::string& place) const
@@ -411,7 +557,7 @@ private:
 	}
 
 	std::vector<Pending> pending;
-	Names objectNames, materialNames, layerNames;
+	Names objectNames, materialNames, shaderNames, layerNames;
 };
 
 // The line and column (from 1) of the byte at offset in text.

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "c4d/base_document.h"
+#include "c4d/base_tag.h"
 #include "c4d/ge_data.h"
+#include "c4d/keyframe_track.h"
 
 #include <cstdint>
 
@@ -41,6 +43,37 @@ inline constexpr Name modes[] = {
 	{MODE_ON, "on"},
 	{MODE_OFF, "off"},
 	{MODE_UNDEF, "parent"},
+};
+
+// The tag types whose own data a file holds, under the key named. The
+// reader refuses the keys on tags of other types.
+inline constexpr Name tagData[] = {
+	{Tuvw, "uvw"},
+	{Tpolygonselection, "selection"},
+	{Tpointselection, "selection"},
+	{Ttexture, "matrix"},
+};
+
+// The key of the data of tags of the type; null for a type without.
+inline const char* tagDataKey(int32_t type)
+{
+	for(const Name& entry : tagData)
+		if(entry.value == type)
+			return entry.name;
+	return nullptr;
+}
+
+// An object's keyframe tracks and their keys in the object's "tracks".
+struct Track
+{
+	KeyframeTrack ObjectTracks::*track;
+	const char* name;
+};
+
+inline constexpr Track tracks[] = {
+	{&ObjectTracks::position, "position"},
+	{&ObjectTracks::rotation, "rotation"},
+	{&ObjectTracks::scale, "scale"},
 };
 
 // The form of document files this code reads and writes.

@@ -1,10 +1,15 @@
+#include "c4d/base_shader.h"
 #include "c4d/document_file.h"
 #include "c4d/document_tables.h"
 #include "c4d/polygon_object.h"
+#include "c4d/texture_tag.h"
+#include "c4d/variable_tags.h"
 
 #include "support/file_utils.h"
 
 #include <nlohmann/json.hpp>
+
+#include <limits>
 
 namespace
 {
@@ -97,21 +102,108 @@ void addGeometry(Json& j, const PolygonObject& poly)
 	j["polygons"] = std::move(polygons);
 }
 
-// Tags and materials: a type, a name and parameters each.
-template<typename T>
-Json plainNodes(const T* first)
+// The nodes from first on, each as each gives it.
+template<typename T, typename Each>
+Json list(const T* first, Each each)
 {
-	Json list = Json::array();
+	Json nodes = Json::array();
 	for(const T* n = first; n; n = n->GetNext())
+		nodes.push_back(each(*n));
+	return nodes;
+}
+
+Json uvw(const UVWTag& tag)
+{
+	Json records = Json::array();
+	for(int32_t i = 0; i < tag.GetDataCount(); ++i)
 	{
-		Json j = node(*n, true);
-		addParams(j, *n);
-		list.push_back(std::move(j));
+		Json record = Json::array();
+		const UVWStruct& r = tag.Get(i);
+		for(const Vector* corner : {&r.a, &r.b, &r.c, &r.d})
+			record.push_back(Json::array({corner->x, corner->y}));
+		records.push_back(std::move(record));
 	}
-	return list;
+	return records;
+}
+
+// Single indices as numbers, longer ranges as [min, max].
+Json selection(const BaseSelect& sel)
+{
+	Json ranges = Json::array();
+	int32_t min = 0, max = 0;
+	for(int32_t seg = 0; sel.GetRange(seg, std::numeric_limits<int32_t>::max(), &min, &max); ++seg)
+		ranges.push_back(min == max ? Json(min) : Json::array({min, max}));
+	return ranges;
+}
+
+void addTagData(Json& j, const BaseTag& tag)
+{
+	const char* key = DocumentTables::tagDataKey(tag.GetType());
+	if(tag.GetType() == Tuvw)
+		j[key] = uvw(static_cast<const UVWTag&>(tag));
+	else if(tag.GetType() == Ttexture)
+	{
+		const Matrix& m = static_cast<const TextureTag&>(tag).GetMl();
+		if(m != Matrix())
+			j[key] = matrix(m);
+	}
+	else if(tag.GetType() == Tpolygonselection || tag.GetType() == Tpointselection)
+		j[key] = selection(*static_cast<const SelectionTag&>(tag).GetBaseSelect());
+}
+
+Json tag(const BaseTag& t)
+{
+	Json j = node(t, true);
+	addParams(j, t);
+	addTagData(j, t);
+	return j;
+}
+
+Json shader(const BaseShader& sh)
+{
+	Json j = node(sh, true);
+	addParams(j, sh);
+	if(sh.GetDown())
+		j["children"] = list(sh.GetDown(), shader);
+	return j;
+}
+
+Json material(const BaseMaterial& mat)
+{
+	Json j = node(mat, true);
+	addParams(j, mat);
+	if(mat.GetFirstShader())
+		j["shaders"] = list(mat.GetFirstShader(), shader);
+	return j;
+}
+
+Json keys(const KeyframeTrack& track)
+{
+	Json out = Json::array();
+	for(const Keyframe& key : track.GetKeys())
+		out.push_back(Json{{"time", time(key.time)}, {"value", vector(key.value)}});
+	return out;
+}
+
+Json tracks(const ObjectTracks& all)
+{
+	Json j = Json::object();
+	for(const DocumentTables::Track& t : DocumentTables::tracks)
+	{
+		const KeyframeTrack& track = all.*t.track;
+		if(!track.IsEmpty())
+			j[t.name] = keys(track);
+	}
+	return j;
 }
 
 Json objects(const BaseObject* first, BaseDocument& doc);
+
+// A cache the host did not build itself; null for none.
+const BaseObject* keptCache(const BaseObject* cache)
+{
+	return cache && !cache->GetBit(BIT_BUILTCACHE) ? cache : nullptr;
+}
 
 Json object(const BaseObject& op, BaseDocument& doc)
 {
@@ -130,7 +222,13 @@ Json object(const BaseObject& op, BaseDocument& doc)
 		addGeometry(j, static_cast<const PolygonObject&>(op));
 	addParams(j, op);
 	if(op.GetFirstTag())
-		j["tags"] = plainNodes(op.GetFirstTag());
+		j["tags"] = list(op.GetFirstTag(), tag);
+	if(!op.GetTracks().IsEmpty())
+		j["tracks"] = tracks(op.GetTracks());
+	if(const BaseObject* cache = keptCache(op.GetCache()))
+		j["cache"] = object(*cache, doc);
+	if(const BaseObject* cache = keptCache(op.GetDeformCache()))
+		j["deform_cache"] = object(*cache, doc);
 	if(op.GetDown())
 		j["children"] = objects(op.GetDown(), doc);
 	return j;
@@ -138,10 +236,7 @@ Json object(const BaseObject& op, BaseDocument& doc)
 
 Json objects(const BaseObject* first, BaseDocument& doc)
 {
-	Json list = Json::array();
-	for(const BaseObject* op = first; op; op = op->GetNext())
-		list.push_back(object(*op, doc));
-	return list;
+	return list(first, [&doc](const BaseObject& op) { return object(op, doc); });
 }
 
 Json layers(BaseDocument& doc)
@@ -190,7 +285,7 @@ Json document(const BaseDocument& constDoc)
 	if(doc.GetActiveCamera())
 		j["camera"] = doc.GetActiveCamera()->GetName().GetStdString();
 	j["layers"] = layers(doc);
-	j["materials"] = plainNodes(doc.GetFirstMaterial());
+	j["materials"] = list(doc.GetFirstMaterial(), material);
 	j["objects"] = objects(doc.GetFirstObject(), doc);
 	j["render"] = render(*doc.GetActiveRenderData());
 	return j;

@@ -34,6 +34,10 @@ class VideoPostData : public NodeData
 {
 };
 
+class ShaderData : public NodeData
+{
+};
+
 // Makes the NodeData of a new node; registered once per plug-in type.
 using DataAllocator = NodeData*();
 

@@ -3,9 +3,15 @@
 #include "c4d/base_list.h"
 #include "c4d/base_material.h"
 #include "c4d/base_object.h"
+#include "c4d/base_shader.h"
 #include "c4d/base_tag.h"
 #include "c4d/camera_object.h"
+#include "c4d/light_object.h"
+#include "c4d/instance_object.h"
 #include "c4d/node_defaults.h"
+#include "c4d/primitives.h"
+#include "c4d/texture_tag.h"
+#include "c4d/variable_tags.h"
 
 #include <algorithm>
 
@@ -19,28 +25,42 @@ struct HostType
 	int32_t type;
 	// The values the host gives a new node of the type; null for none.
 	void (*defaults)(BaseContainer&) = nullptr;
+	// The info flags every node of the type has.
+	int32_t info = 0;
 };
+
+// A new motion blur tag blurs over the whole exposure.
+void setMotionBlurDefaults(BaseContainer& bc)
+{
+	bc.SetFloat(MOTIONBLURTAG_STRENGTH, 1.0);
+}
 
 // The host's own node types that documents and the plug-in use.
 constexpr HostType hostTypes[] = {
 	{NodeClass::Object, Opolygon},
-	{NodeClass::Object, Olight},
+	{NodeClass::Object, Olight, SetLightDefaults},
 	{NodeClass::Object, Ocamera, SetCameraDefaults},
-	{NodeClass::Object, Oinstance},
-	{NodeClass::Object, Osphere},
-	{NodeClass::Object, Oplane},
+	{NodeClass::Object, Oinstance, SetInstanceDefaults},
+	{NodeClass::Object, Osphere, SetSphereDefaults},
+	{NodeClass::Object, Oplane, SetPlaneDefaults},
+	{NodeClass::Object, Oskipped},
 	{NodeClass::Object, Onull},
-	{NodeClass::Object, Ocube},
-	{NodeClass::Object, Odisc},
-	{NodeClass::Object, Ocylinder},
+	{NodeClass::Object, Ofloor, nullptr, OBJECT_CAMERADEPENDENT},
+	{NodeClass::Object, Osky, nullptr, OBJECT_CAMERADEPENDENT},
+	{NodeClass::Object, Ocube, SetCubeDefaults},
+	{NodeClass::Object, Odisc, SetDiscDefaults},
+	{NodeClass::Object, Ocylinder, SetCylinderDefaults},
 	{NodeClass::Tag, Tpoint},
 	{NodeClass::Tag, Tpolygon},
-	{NodeClass::Tag, Tphong},
-	{NodeClass::Tag, Ttexture},
-	{NodeClass::Tag, Tmotionblur},
+	{NodeClass::Tag, Tphong, SetPhongTagDefaults},
+	{NodeClass::Tag, Ttexture, SetTextureTagDefaults},
+	{NodeClass::Tag, Tmotionblur, setMotionBlurDefaults},
 	{NodeClass::Tag, Tuvw},
 	{NodeClass::Tag, Tpolygonselection},
+	{NodeClass::Tag, Tpointselection},
 	{NodeClass::Material, Mmaterial},
+	{NodeClass::Shader, Xcolor},
+	{NodeClass::Shader, Xbitmap},
 };
 
 const HostType* findHostType(NodeClass cls, int32_t type)
@@ -65,6 +85,8 @@ PluginKind kindOf(NodeClass cls)
 		return PluginKind::Material;
 	case NodeClass::VideoPost:
 		return PluginKind::VideoPost;
+	case NodeClass::Shader:
+		return PluginKind::Shader;
 	}
 	return PluginKind::Command;
 }
@@ -163,6 +185,12 @@ bool RegisterVideoPostPlugin(int32_t id, const String& name, int32_t info, DataA
 	return PluginRegistry::get().add(std::move(record));
 }
 
+bool RegisterShaderPlugin(int32_t id, const String& name, int32_t info, DataAllocator* allocator,
+	const String& description, int32_t)
+{
+	return PluginRegistry::get().add(nodePlugin(PluginKind::Shader, id, name, info, allocator, description));
+}
+
 bool RegisterCommandPlugin(int32_t id, const String& name, int32_t info, const Filename& icon, const String& help,
 	CommandData* command)
 {
@@ -191,6 +219,7 @@ bool InitNode(BaseList2D& node, NodeClass cls)
 	{
 		if(host->defaults)
 			host->defaults(*node.GetDataInstance());
+		node.SetInfo(host->info);
 		ApplyNodeDefaults(node);
 		return true;
 	}

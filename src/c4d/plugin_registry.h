@@ -19,6 +19,7 @@ enum class NodeClass
 	Tag,
 	Material,
 	VideoPost,
+	Shader,
 };
 
 // The kinds of plug-ins the host keeps registrations of.
@@ -84,6 +85,8 @@ bool RegisterObjectPlugin(int32_t id, const String& name, int32_t info, DataAllo
 	const String& description, const Filename& icon, int32_t disklevel);
 bool RegisterVideoPostPlugin(int32_t id, const String& name, int32_t info, DataAllocator* allocator,
 	const String& description, int32_t disklevel, int32_t priority);
+bool RegisterShaderPlugin(int32_t id, const String& name, int32_t info, DataAllocator* allocator,
+	const String& description, int32_t disklevel);
 // The registry takes command; it is deleted at once when the call fails.
 bool RegisterCommandPlugin(int32_t id, const String& name, int32_t info, const Filename& icon, const String& help,
 	CommandData* command);

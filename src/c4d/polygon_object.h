@@ -14,9 +14,17 @@ struct CPolygon
 	CPolygon(int32_t a_, int32_t b_, int32_t c_, int32_t d_) : a(a_), b(b_), c(c_), d(d_) {}
 
 	bool IsTriangle() const { return c == d; }
+	// Whether every corner is one of pointCount points.
+	bool IsWithin(int32_t pointCount) const;
 	bool operator==(const CPolygon& o) const { return a == o.a && b == o.b && c == o.c && d == o.d; }
 	bool operator!=(const CPolygon& o) const { return !(*this == o); }
 };
+
+// The normal of polygon v over the points padr, of length 1: the cross product
+// of its diagonals (c - a) x (d - b), which for a triangle is the cross product
+// of two of its edges. Polygons whose corners run clockwise seen from a side
+// face that side. Zero for a degenerate polygon.
+Vector CalcFaceNormal(const Vector* padr, const CPolygon& v);
 
 // An object of type Opolygon: points in object space and polygons over them.
 class PolygonObject : public BaseObject
@@ -38,6 +46,16 @@ public:
 	// Sets the counts, keeping the leading points and polygons; new ones are
 	// zero. False, changing nothing, for a negative count.
 	bool ResizeObject(int32_t pcnt, int32_t vcnt);
+
+	// The normals of the polygons' corners as the object's Phong tag smooths
+	// them: four per polygon (a, b, c, d; d repeats c for a triangle). A
+	// corner's normal is the normalised sum of the face normals of the
+	// polygons at its point whose angle to this polygon's normal is within
+	// the tag's angle (of all of them without the angle limit). Each is of
+	// length 1, or zero for a degenerate polygon, for one whose corners are
+	// no points of the object, and where the normals summed cancel. Broken
+	// edges are not kept: the host has none. Empty without a Phong tag.
+	std::vector<Vector> CreatePhongNormals() const;
 
 private:
 	std::vector<Vector> points;

@@ -112,3 +112,29 @@ Matrix Invert(const Matrix& m)
 	inverse.off = -turn(inverse, m.off);
 	return inverse;
 }
+
+Matrix HPBToMatrix(const Vector& hpb)
+{
+	const double ch = std::cos(hpb.x), sh = std::sin(hpb.x);
+	const double cp = std::cos(hpb.y), sp = std::sin(hpb.y);
+	const double cb = std::cos(hpb.z), sb = std::sin(hpb.z);
+	const Matrix heading(Vector(), Vector(ch, 0, -sh), Vector(0, 1, 0), Vector(sh, 0, ch));
+	const Matrix pitch(Vector(), Vector(1, 0, 0), Vector(0, cp, sp), Vector(0, -sp, cp));
+	const Matrix bank(Vector(), Vector(cb, sb, 0), Vector(-sb, cb, 0), Vector(0, 0, 1));
+	return heading * pitch * bank;
+}
+
+Vector MatrixToHPB(const Matrix& m)
+{
+	// With H * P * B the Z axis is (cos P sin H, -sin P, cos P cos H), and
+	// the Y components of the X and Y axes are sin B cos P and cos B cos P.
+	const Vector v1 = m.v1.GetNormalized(), v2 = m.v2.GetNormalized(), v3 = m.v3.GetNormalized();
+	const double cp = std::sqrt(v3.x * v3.x + v3.z * v3.z);
+	const double p = std::atan2(-v3.y, cp);
+	if(cp < 1e-9)
+	{
+		// Gimbal lock: Z lies on the Y axis and the X axis is (cos H, 0, -sin H) with B = 0.
+		return Vector(std::atan2(-v1.z, v1.x), p, 0);
+	}
+	return Vector(std::atan2(v3.x, v3.z), p, std::atan2(v1.y, v2.y));
+}

@@ -53,3 +53,13 @@ Matrix operator*(const Matrix& a, const Matrix& b);
 // The inverse transform. A matrix whose axes do not span space has none; it
 // gives the zero matrix (all four vectors zero), which a caller can test for.
 Matrix Invert(const Matrix& m);
+
+// Rotation by heading, pitch and bank angles in radians (x, y, z of hpb):
+// H turns about the Y axis (a positive H turns Z towards X), P about the X
+// axis (Y towards Z), B about the Z axis (X towards Y), and the matrix is
+// H * P * B, so bank is applied first. The offset is zero.
+Matrix HPBToMatrix(const Vector& hpb);
+// The angles that HPBToMatrix turns into the rotation of m, whose axes may
+// be scaled: H and B in (-pi, pi], P in [-pi/2, pi/2]. At P = +-pi/2 only
+// H - B (or H + B) is fixed; B is then 0.
+Vector MatrixToHPB(const Matrix& m);

@@ -85,3 +85,40 @@ TEST(Matrix, SingularMatrixInvertsToZero)
 	EXPECT_EQ(Invert(Matrix(Vector(1, 2, 3), Vector(1, 0, 0), Vector(2, 0, 0), Vector(0, 0, 1))), zero);
 	EXPECT_EQ(Invert(zero), zero);
 }
+
+TEST(Matrix, HPBAnglesTurnAboutYThenXThenZ)
+{
+	const double q = M_PI / 2;
+	const struct
+	{
+		Vector hpb;
+		Matrix expected;
+	} cases[] = {
+		// Heading turns Z towards X, pitch Y towards Z, bank X towards Y.
+		{Vector(q, 0, 0), Matrix(Vector(), Vector(0, 0, -1), Vector(0, 1, 0), Vector(1, 0, 0))},
+		{Vector(0, q, 0), Matrix(Vector(), Vector(1, 0, 0), Vector(0, 0, 1), Vector(0, -1, 0))},
+		{Vector(0, 0, q), Matrix(Vector(), Vector(0, 1, 0), Vector(-1, 0, 0), Vector(0, 0, 1))},
+		// H * P, the pitched axes turned by the heading; P * H would give X = (0, 1, 0).
+		{Vector(q, q, 0), Matrix(Vector(), Vector(0, 0, -1), Vector(1, 0, 0), Vector(0, -1, 0))},
+	};
+	for(const auto& t : cases)
+	{
+		SCOPED_TRACE(t.hpb.x + 10 * t.hpb.y + 100 * t.hpb.z);
+		expectNear(HPBToMatrix(t.hpb), t.expected);
+	}
+
+	// Back to the angles away from gimbal lock, also from scaled axes.
+	for(const Vector& hpb : {Vector(0.3, -0.2, 0.1), Vector(-2.5, 1.2, 3.0), Vector(3.1, -1.5, -0.7)})
+	{
+		SCOPED_TRACE(hpb.x);
+		Matrix m = HPBToMatrix(hpb);
+		expectNear(MatrixToHPB(m), hpb);
+		m.v1 *= 2;
+		m.v3 *= 0.5;
+		expectNear(MatrixToHPB(m), hpb);
+	}
+	// At a pitch of 90 degrees only heading minus bank counts: bank becomes 0.
+	const Matrix locked = HPBToMatrix(Vector(0.9, q, 0.3));
+	expectNear(MatrixToHPB(locked), Vector(0.6, q, 0));
+	expectNear(HPBToMatrix(MatrixToHPB(locked)), locked);
+}

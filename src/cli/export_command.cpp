@@ -54,6 +54,9 @@ std::string exportFrame(BaseDocument& doc, const Options& options)
 		throw Velorn::VelornException("The document has no objects: there is nothing to export.");
 	if(options.frame)
 		doc.SetTime(BaseTime(*options.frame, doc.GetFps()));
+	// As before a render in the application: the objects take their place at
+	// the frame and the generators build their caches.
+	doc.ExecutePasses(nullptr, true, true, true, 0);
 	const std::string path = scenePath(options, doc);
 	makeDirectoryOf(path);
 

@@ -2,6 +2,7 @@
 
 #include "c4d/base_draw.h"
 #include "c4d/console.h"
+#include "export/motion_blur_export.h"
 #include "host/plugin_ids.h"
 
 #include <algorithm>
@@ -159,11 +160,15 @@ Velorn::Reference<Velorn::ApertureShape> apertureShape(const BaseContainer& tag)
 	}
 }
 
-// Where the camera stands and looks. The lens shift moves the camera
-// itself, along its own axes; o is subtracted after the exchange of y and
-// z, each component by its own name.
-void placeCamera(Velorn::SceneNodeCamera& node, const Matrix& mg, const Vector& o, double s)
+// Where the camera stands and looks: keyframes over the exposure under a
+// motion blur tag, else one position with the up and forward axes. The lens
+// shift moves the camera itself, along its own axes; o is subtracted after
+// the exchange of y and z, each component by its own name.
+void placeCamera(Velorn::SceneNodeCamera& node, const Matrix& mg, const Vector& o, const ExportSettings& settings)
 {
+	if(exportMotionBlur(node.keyframes, settings.camera, mg, settings, objectChain(settings.camera), o))
+		return;
+	const double s = settings.scale;
 	const Velorn::Vec3d pos(mg.off.x * s - o.x, mg.off.z * s - o.z, mg.off.y * s - o.y);
 	node.keyframes.clear();
 	node.keyframes.push_back(Velorn::KeyFrame{pos, 0, Velorn::Vec3d(0, 0, 1), 0});
@@ -219,7 +224,7 @@ bool exportCamera(Velorn::SceneNodeCamera& camera_node, Velorn::SceneNodeRenderS
 
 	const Matrix mg = settings.camera->GetMg();
 	const Vector o = mg.v1 * camera_node.lens_shift_right_distance + mg.v2 * camera_node.lens_shift_up_distance;
-	placeCamera(camera_node, mg, o, s);
+	placeCamera(camera_node, mg, o, settings);
 	return true;
 }
 

@@ -8,6 +8,7 @@
 #include "support/file_utils.h"
 #include "support/platform_utils.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace
@@ -124,4 +125,16 @@ BaseContainer* findVideoPostContainer(BaseDocument* doc)
 			return post->GetDataInstance();
 	}
 	return nullptr;
+}
+
+int32_t ExportSettings::lightLayer(int32_t host_layer)
+{
+	const auto found = layers.find(host_layer);
+	if(found != layers.end())
+		return found->second;
+	int32_t next = 0;
+	for(const auto& entry : layers)
+		next = std::max(next, entry.second + 1);
+	layers[host_layer] = next;
+	return next;
 }

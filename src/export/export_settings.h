@@ -68,6 +68,10 @@ struct ExportSettings
 	// The parameters of the renderer's video post; null without one.
 	BaseContainer* video_post_container = nullptr;
 
+	// The renderer layer of the host's light layer number; a number not
+	// seen before gets the next free index (one past the highest in use).
+	int32_t lightLayer(int32_t host_layer);
+
 private:
 	void fetchCamera();
 	float unitScale() const;

@@ -94,6 +94,7 @@ Velorn::Reference<Velorn::SceneNodeRoot> SceneExporter::exportScene()
 	exportTonemapping(*tonemapping, *settings);
 
 	makeDriverMaterials();
+	exportObjects();
 	exportLayers(*render_settings);
 
 	const double saving_start = GeGetMilliSeconds();

@@ -57,7 +57,9 @@ TEST_F(ExportTest, DocumentWithoutVideoPostExportsTheDefaults)
 	VelornTest::TempDir dir;
 	VelornTest::expectMatchesGolden(exportFile("plain", dir, 0, 640, 480, 0, 1), "export/plain.vls");
 	const String banner(console_banner);
-	EXPECT_EQ(consoleLines(), (std::vector<String>{banner, "Starting export...", "36", "Processing time: 0 s",
+	EXPECT_EQ(consoleLines(), (std::vector<String>{banner, "Starting export...", "36",
+								  "Exporting materials, objects and lights...", "Object export time: 0 s",
+								  "Instances exported: 0", "", "Processing time: 0 s",
 								  String("Saved scene to: ") + String(dir.path()) + "\\plain.vls", "Saving time: 0 s",
 								  banner}));
 }

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "c4d/base_list.h"
+
+// The host's own shader types that documents and the plug-in use.
+enum
+{
+	// A single colour.
+	Xcolor = 5832,
+	// An image file, sampled over the UV square.
+	Xbitmap = 5833,
+};
+
+// Parameters of the host's shaders.
+enum
+{
+	// Xbitmap: the image file (a filename).
+	BITMAPSHADER_FILENAME = 1000,
+	// Xcolor: the colour (a vector).
+	COLORSHADER_COLOR = 1000,
+};
+
+// A shader: a texture that a material channel (or another shader) links to.
+// Shaders belong to the node that uses them (BaseList2D::InsertShader); the
+// shaders a shader owns are its children, so layer-like shaders nest.
+class BaseShader : public TypedList2D<BaseShader>
+{
+public:
+	using TypedList2D::TypedList2D;
+
+	// A free shader of the given type with its defaults; null when the type
+	// is neither one of the host's shaders nor a registered shader plug-in.
+	static BaseShader* Alloc(int32_t type);
+
+protected:
+	bool ownsShadersAsChildren() const override { return true; }
+};
