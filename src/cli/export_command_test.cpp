@@ -42,7 +42,15 @@ TEST(ExportCommand, BundledExampleExportsToACheckedScene)
 	// The tag's settings reach the scene: the camera response of entry 52.
 	const std::string text = VelornTest::readFile(scene);
 	EXPECT_TRUE(contains(text, "data/camera_response_functions/Portra-100TCD.txt")) << text;
-	EXPECT_EQ(Velorn::SceneCommands::check(scene).rfind(scene + ": ", 0), 0u);
+	// Primitives, the model, the instance, the area light and the moving
+	// ball all arrive: five meshes (the instance shares the crate's), six
+	// models, one sphere; the meshes lie beside the scene.
+	EXPECT_EQ(Velorn::SceneCommands::check(scene),
+		scene + ": 20 nodes: 1 Camera, 1 Render Settings, 3 Material, 5 Mesh, 6 Object, 1 Sphere, 1 Tone Mapping, 1 "
+				"Background Settings, 1 Metadata");
+	EXPECT_TRUE(contains(console, "Instances exported: 1\n")) << console;
+	EXPECT_TRUE(contains(console, "SceneExportObjectMotionBlurSG()\n")) << console;
+	EXPECT_EQ(Velorn::FileUtils::getFilesInDir(dir.file("out/studio_meshes")).size(), 5u);
 }
 
 TEST(ExportCommand, BadDocumentsFailAndWriteNothing)

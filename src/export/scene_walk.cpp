@@ -1,6 +1,7 @@
 #include "export/scene_exporter.h"
 
 #include "c4d/base_document.h"
+#include "c4d/console.h"
 #include "c4d/light_object.h"
 #include "c4d/polygon_object.h"
 #include "c4d/primitives.h"
@@ -190,6 +191,8 @@ void SceneExporter::exportObject(
 			exportSectionPlane(op, mg);
 		return;
 	}
+	if(type != Olight && op->GetTag(ID_LIGHT_TAG))
+		GePrint("Skipped the light tag of '" + op->GetName() + "': the object is no light.");
 	switch(type)
 	{
 	case Opolygon:

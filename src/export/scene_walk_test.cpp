@@ -424,3 +424,19 @@ TEST_F(MotionBlurWalkTest, StrengthZeroAndShortExposureGiveTwoKeyframes)
 	root = exportScene();
 	EXPECT_EQ(model(root, "Moving")->keyframes.size(), 1u);
 }
+
+TEST_F(WalkTest, BadInputIsSkippedAndTheExportFinishes)
+{
+	// A light tag on a polygon object: the object exports, the tag is named.
+	add(square("Tagged"))->MakeTag(ID_LIGHT_TAG);
+	// An instance of nothing and an area light whose shape object is missing.
+	add(BaseObject::Alloc(Oinstance))->SetName(String("Empty instance"));
+	BaseObject* shapeless = light("Shapeless", LIGHT_TYPE_AREA);
+	shapeless->GetDataInstance()->SetInt32(LIGHT_AREADEFINITION_SHAPE, LIGHT_AREADEFINITION_SHAPE_OBJECT);
+	// A polygon object without polygons.
+	add(PolygonObject::Alloc(3, 0))->SetName(String("Empty"));
+
+	const Reference<SceneNodeRoot> root = exportScene();
+	EXPECT_EQ(modelNames(root), std::vector<std::string>{"Tagged"});
+	EXPECT_EQ(consoleLines(), (std::vector<String>{"36", "Skipped the light tag of 'Tagged': the object is no light."}));
+}
