@@ -11,6 +11,8 @@
 #include "host/plugin_ids.h"
 #include "export/scene_exporter.h"
 #include "host/camera_tag.h"
+#include "host/light_tag.h"
+#include "host/object_tags.h"
 #include "host/plugin_globals.h"
 
 #include "support/test_files.h"
@@ -21,17 +23,26 @@
 #include <stdexcept>
 #include <vector>
 
-// The plug-in's camera tag, whose new tags get their Init values, and the
-// video post as a plain plug-in whose parameters each test sets. Once per
-// test binary.
+// The plug-in's tags, whose new tags get their Init values, and the video
+// post, section plane and instance object as plain plug-ins whose
+// parameters each test sets. Once per test binary.
 inline void registerExportPlugins()
 {
 	static const bool done = [] {
 		StringTable strings;
+		strings.set(10002, String("Velorn Light"));
+		strings.set(10006, String("Velorn Exit Portal"));
 		strings.set(10009, String("Velorn Camera"));
+		strings.set(10016, String("Velorn Subdivision"));
+		strings.set(10028, String("Velorn Compositing"));
 		HostResources::get().setStrings(strings);
+		RegisterLightTag();
+		RegisterExitPortalTag();
 		RegisterCameraTag();
+		RegisterSubdivisionTag();
+		RegisterCompositingTag();
 		registerPlainPlugins(PluginKind::VideoPost, {ID_VIDEO_POST});
+		registerPlainPlugins(PluginKind::Object, {ID_SECTION_PLANE, ID_VELORN_INSTANCE});
 		return true;
 	}();
 	(void)done;

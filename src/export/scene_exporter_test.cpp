@@ -74,6 +74,14 @@ TEST_F(ExportTest, RichDocumentExportsTagVideoPostAndSunSky)
 	EXPECT_EQ(consoleLines(), std::vector<String>{"24"}); // only the sensor width when not verbose
 }
 
+// A section plane (pass 0), a sphere that stays analytic and an omni light
+// without a tag: one sphere with the default material, one with the light's.
+TEST_F(ExportTest, SectionPlaneSphereAndOmniLightScene)
+{
+	VelornTest::TempDir dir;
+	VelornTest::expectMatchesGolden(exportFile("walk", dir, 0, 640, 480, 0, 0), "export/walk.vls");
+}
+
 TEST_F(ExportTest, NothingToExportGivesNoScene)
 {
 	SceneExporter without;

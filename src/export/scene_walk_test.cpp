@@ -4,8 +4,6 @@
 #include "c4d/light_object.h"
 #include "c4d/polygon_object.h"
 #include "c4d/primitives.h"
-#include "host/light_tag.h"
-#include "host/object_tags.h"
 #include "scene/emission_overrides.h"
 #include "scene/materials_basic.h"
 #include "scene/rotation.h"
@@ -25,28 +23,6 @@ using Velorn::SceneNodeRoot;
 
 namespace
 {
-
-// The light, exit portal and compositing tags, and the section plane as a
-// plain object plug-in; once per test binary.
-void registerWalkPlugins()
-{
-	static const bool done = [] {
-		registerExportPlugins();
-		StringTable strings;
-		strings.set(10002, String("Velorn Light"));
-		strings.set(10006, String("Velorn Exit Portal"));
-		strings.set(10016, String("Velorn Subdivision"));
-		strings.set(10028, String("Velorn Compositing"));
-		HostResources::get().setStrings(strings);
-		RegisterLightTag();
-		RegisterExitPortalTag();
-		RegisterSubdivisionTag();
-		RegisterCompositingTag();
-		registerPlainPlugins(PluginKind::Object, {ID_SECTION_PLANE, ID_VELORN_INSTANCE});
-		return true;
-	}();
-	(void)done;
-}
 
 // Positions go through the 32-bit scale of the settings.
 void expectNear(const Velorn::Vec3d& got, const Velorn::Vec3d& expected)
@@ -81,12 +57,6 @@ PolygonObject* square(const char* name, const Matrix& ml = Matrix())
 class WalkTest : public ExportTest
 {
 protected:
-	void SetUp() override
-	{
-		ExportTest::SetUp();
-		registerWalkPlugins();
-	}
-
 	// Puts op last among the top-level objects, or last under parent.
 	template<typename T>
 	T* add(T* op, BaseObject* parent = nullptr)
