@@ -31,14 +31,24 @@ const PolygonObject* polygonObject(const BaseObject* object) { return dynamic_ca
 
 const UVWTag* uvwTagOf(const BaseObject& object) { return dynamic_cast<const UVWTag*>(object.GetTag(Tuvw)); }
 
+// Calls f(first, last) with each range of the selection, cut off below
+// count, ascending.
+template <class F>
+void forEachRange(const BaseSelect& selection, int32_t count, F f)
+{
+	int32_t first, last;
+	for(int32_t seg = 0; selection.GetRange(seg, count, &first, &last); ++seg)
+		f(first, last);
+}
+
 // Calls f with each index of the selection below count, ascending.
 template <class F>
 void forEachSelected(const BaseSelect& selection, int32_t count, F f)
 {
-	int32_t first, last;
-	for(int32_t seg = 0; selection.GetRange(seg, count, &first, &last); ++seg)
+	forEachRange(selection, count, [&f](int32_t first, int32_t last) {
 		for(int32_t i = first; i <= last; ++i)
 			f(i);
+	});
 }
 
 // One material stage: the polygons of a selection tag, or (without a tag)
@@ -60,19 +70,18 @@ public:
 		BaseSelect named;
 		for(const BaseTag* tag = object.GetFirstTag(); tag; tag = tag->GetNext())
 		{
-			const SelectionTag* selection = tag->GetType() == Tpolygonselection ? dynamic_cast<const SelectionTag*>(tag) : nullptr;
+			const SelectionTag* selection =
+				tag->GetType() == Tpolygonselection ? dynamic_cast<const SelectionTag*>(tag) : nullptr;
 			if(!selection || selection->GetBaseSelect()->GetCount() == 0)
 				continue;
 			stages.push_back(Stage{selection, selection->GetBaseSelect()});
-			int32_t first, last;
-			for(int32_t seg = 0; selection->GetBaseSelect()->GetRange(seg, count, &first, &last); ++seg)
+			forEachRange(*selection->GetBaseSelect(), count, [&named](int32_t first, int32_t last) {
 				named.SelectAll(first, last);
+			});
 		}
 		if(count > 0)
 			remainder.SelectAll(0, count - 1);
-		int32_t first, last;
-		for(int32_t seg = 0; named.GetRange(seg, count, &first, &last); ++seg)
-			remainder.DeselectAll(first, last);
+		forEachRange(named, count, [this](int32_t first, int32_t last) { remainder.DeselectAll(first, last); });
 		if(remainder.GetCount() > 0)
 			stages.push_back(Stage{nullptr, &remainder});
 	}
@@ -224,7 +233,8 @@ bool operator==(const MeshExporter::Vertex& a, const MeshExporter::Vertex& b)
 // The index of a key among the keys that an array already holds, where the
 // array is one the builder fills anyway (its vertices, the mesh's UV pairs).
 // The table keeps only 4-byte indices into it, open addressed, at most half
-// full: 8 to 16 bytes per distinct key besides the key itself.
+// full: 8 to 16 bytes per distinct key besides the key itself. Keys match
+// when == says so: 0 and -0 match, and a key with a NaN matches nothing.
 template <class Key>
 class IndexTable
 {
@@ -317,9 +327,9 @@ public:
 	bool add(int32_t i, uint32_t material_index)
 	{
 		const CPolygon& polygon = polygons[i];
-		const int32_t corners[4] = {polygon.a, polygon.b, polygon.c, polygon.d};
 		if(!polygon.IsWithin(point_count))
 			return false;
+		const int32_t corners[4] = {polygon.a, polygon.b, polygon.c, polygon.d};
 		const int corner_count = polygon.IsTriangle() ? 3 : 4;
 		uint32_t vertex_indices[4], uv_indices[4];
 		for(int k = 0; k < corner_count; ++k)
@@ -335,8 +345,9 @@ public:
 			mesh.triangles.push_back(Velorn::MeshTriangle{{vertex_indices[0], vertex_indices[1], vertex_indices[2]},
 				{uv_indices[0], uv_indices[1], uv_indices[2]}, material_index});
 		else
-			mesh.quads.push_back(Velorn::MeshQuad{{vertex_indices[0], vertex_indices[1], vertex_indices[2], vertex_indices[3]},
-				{uv_indices[0], uv_indices[1], uv_indices[2], uv_indices[3]}, material_index});
+			mesh.quads.push_back(
+				Velorn::MeshQuad{{vertex_indices[0], vertex_indices[1], vertex_indices[2], vertex_indices[3]},
+					{uv_indices[0], uv_indices[1], uv_indices[2], uv_indices[3]}, material_index});
 		return true;
 	}
 
@@ -364,7 +375,8 @@ private:
 	// too, so the table is asked only when that fails. Merged keys are
 	// unique, so the answer is the table's either way.
 	template <class Key, class Keys>
-	uint32_t indexOf(const Key& key, Keys& keys, IndexTable<Key>& table, std::vector<uint32_t>& last_of_point, int32_t point)
+	uint32_t indexOf(
+		const Key& key, Keys& keys, IndexTable<Key>& table, std::vector<uint32_t>& last_of_point, int32_t point)
 	{
 		const uint32_t count = (uint32_t)keys.size();
 		uint32_t index = count;
@@ -396,6 +408,44 @@ private:
 	std::vector<uint32_t> last_vertex;
 	std::vector<uint32_t> last_uv;
 };
+
+// Adds the polygons stage by stage, each with the stage's material index
+// and name ("default" and the index); a polygon in two stages goes with the
+// first. The number of polygons left out for indexing missing points.
+int32_t addPolygons(const PolygonObject& object, const MaterialStages& stages, float scale, bool has_phong,
+	bool merge, std::vector<MeshExporter::Vertex>& vertices, Mesh& mesh)
+{
+	PolygonBuilder builder(object, scale, has_phong, merge, stages, vertices, mesh);
+	std::vector<bool> taken(object.GetPolygonCount());
+	int32_t skipped = 0;
+	uint32_t material_index = 0;
+	for(const Stage& stage : stages)
+	{
+		mesh.used_materials.push_back(Velorn::String("default" + std::to_string(material_index)));
+		forEachSelected(*stage.polygons, object.GetPolygonCount(), [&](int32_t i) {
+			if(taken[i])
+				return;
+			taken[i] = true;
+			if(!builder.add(i, material_index))
+				++skipped;
+		});
+		++material_index;
+	}
+	return skipped;
+}
+
+// The positions into the mesh, and the normals when there are any.
+void copyVertices(const std::vector<MeshExporter::Vertex>& vertices, bool normals, Mesh& mesh)
+{
+	mesh.verts.resize(vertices.size());
+	for(size_t i = 0; i < vertices.size(); ++i)
+		mesh.verts[i] = vertices[i].position;
+	if(!normals)
+		return;
+	mesh.normals.resize(vertices.size());
+	for(size_t i = 0; i < vertices.size(); ++i)
+		mesh.normals[i] = vertices[i].normal;
+}
 
 // Milliseconds as seconds with three decimals ("1.250"), whatever the locale.
 String secondsText(double ms)
@@ -539,7 +589,8 @@ Reference<Velorn::SceneNodeMesh> makeMeshNode(const BaseObject* object, const Re
 		const BaseContainer& data = *tag->GetDataInstance();
 		node->max_num_subdivisions = data.GetInt32(st_max_subdivisions, node->max_num_subdivisions);
 		node->subdivide_pixel_threshold = data.GetFloat(st_pixel_threshold, node->subdivide_pixel_threshold);
-		node->subdivide_curvature_threshold = data.GetFloat(st_curvature_threshold, node->subdivide_curvature_threshold);
+		node->subdivide_curvature_threshold =
+			data.GetFloat(st_curvature_threshold, node->subdivide_curvature_threshold);
 		node->displacement_error_threshold = data.GetFloat(st_displacement_error, node->displacement_error_threshold);
 		node->view_dependent_subdivision = data.GetBool(st_view_dependent, node->view_dependent_subdivision);
 		node->subdivision_smoothing = data.GetBool(st_smoothing, node->subdivision_smoothing);
@@ -569,34 +620,8 @@ Reference<Mesh> MeshExporter::build(BaseDocument* doc, const BaseObject* object,
 	int32_t skipped = 0;
 	try
 	{
-		// The builder's scratch (UVs, normals, tables) goes before the
-		// vertices are copied into the mesh.
-		{
-			PolygonBuilder builder(*polygon_object, scale, has_phong, merge_vertices, stages, vertices, *mesh);
-			std::vector<bool> taken(polygon_object->GetPolygonCount());
-			uint32_t material_index = 0;
-			for(const Stage& stage : stages)
-			{
-				mesh->used_materials.push_back(Velorn::String("default" + std::to_string(material_index)));
-				forEachSelected(*stage.polygons, polygon_object->GetPolygonCount(), [&](int32_t i) {
-					if(taken[i])
-						return;
-					taken[i] = true;
-					if(!builder.add(i, material_index))
-						++skipped;
-				});
-				++material_index;
-			}
-		}
-		mesh->verts.resize(vertices.size());
-		for(size_t i = 0; i < vertices.size(); ++i)
-			mesh->verts[i] = vertices[i].position;
-		if(has_phong)
-		{
-			mesh->normals.resize(vertices.size());
-			for(size_t i = 0; i < vertices.size(); ++i)
-				mesh->normals[i] = vertices[i].normal;
-		}
+		skipped = addPolygons(*polygon_object, stages, scale, has_phong, merge_vertices, vertices, *mesh);
+		copyVertices(vertices, has_phong, *mesh);
 	}
 	catch(const std::bad_alloc&)
 	{
@@ -618,11 +643,13 @@ Reference<Mesh> MeshExporter::build(BaseDocument* doc, const BaseObject* object,
 				": they index points that the object does not have");
 	if(verbose)
 	{
+		// Two readings of the timer, as the console has always shown them.
 		const double processing = GeGetMilliSeconds() - start;
 		const double exporting = GeGetMilliSeconds() - start;
 		GePrint("--Exported " + name + ": " + String::IntToString(polygon_count) + " Faces, " +
 				String::IntToString(vertex_count) + " Vertices, " + String::IntToString(uv_count) +
-				" UVs. Processing Time: " + secondsText(processing) + "s. Export Time: " + secondsText(exporting) + "s");
+				" UVs. Processing Time: " + secondsText(processing) + "s. Export Time: " + secondsText(exporting) +
+				"s");
 	}
 	return mesh;
 }

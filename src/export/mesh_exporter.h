@@ -67,8 +67,8 @@ uint32_t meshChecksum(const BaseObject* object, const std::vector<TextureMateria
 // subdivision settings of its subdivision tag, added to root. With
 // merge_vertices set the exporter has merged the vertices already, so the
 // renderer is told not to.
-Velorn::Reference<Velorn::SceneNodeMesh> makeMeshNode(const BaseObject* object, const Velorn::Reference<Velorn::Mesh>& mesh,
-	int32_t merge_vertices, Velorn::SceneNode& root);
+Velorn::Reference<Velorn::SceneNodeMesh> makeMeshNode(const BaseObject* object,
+	const Velorn::Reference<Velorn::Mesh>& mesh, int32_t merge_vertices, Velorn::SceneNode& root);
 
 // One extraction of a host polygon object into a renderer mesh. Polygons
 // are assigned to materials stage by stage: each non-empty polygon
