@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cmath>
+
 // The host's vector and matrix. A matrix is an affine transform given as an
 // offset and three axes; a point p maps to off + p.x * v1 + p.y * v2 + p.z * v3.
 
@@ -22,14 +24,81 @@ struct Vector
 	bool operator!=(const Vector& o) const { return !(*this == o); }
 };
 
-Vector operator+(Vector a, const Vector& b);
-Vector operator-(Vector a, const Vector& b);
-Vector operator-(const Vector& a);
-Vector operator*(Vector a, double s);
-Vector operator*(double s, Vector a);
-Vector operator/(const Vector& a, double s);
-double Dot(const Vector& a, const Vector& b);
-Vector Cross(const Vector& a, const Vector& b);
+// Defined here so that loops over millions of points inline them.
+inline double Dot(const Vector& a, const Vector& b)
+{
+	return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+inline Vector& Vector::operator+=(const Vector& o)
+{
+	x += o.x;
+	y += o.y;
+	z += o.z;
+	return *this;
+}
+
+inline Vector& Vector::operator-=(const Vector& o)
+{
+	x -= o.x;
+	y -= o.y;
+	z -= o.z;
+	return *this;
+}
+
+inline Vector& Vector::operator*=(double s)
+{
+	x *= s;
+	y *= s;
+	z *= s;
+	return *this;
+}
+
+inline double Vector::GetLength() const
+{
+	return std::sqrt(Dot(*this, *this));
+}
+
+inline Vector operator+(Vector a, const Vector& b)
+{
+	return a += b;
+}
+
+inline Vector operator-(Vector a, const Vector& b)
+{
+	return a -= b;
+}
+
+inline Vector operator-(const Vector& a)
+{
+	return Vector(-a.x, -a.y, -a.z);
+}
+
+inline Vector operator*(Vector a, double s)
+{
+	return a *= s;
+}
+
+inline Vector operator*(double s, Vector a)
+{
+	return a *= s;
+}
+
+inline Vector operator/(const Vector& a, double s)
+{
+	return Vector(a.x / s, a.y / s, a.z / s);
+}
+
+inline Vector Cross(const Vector& a, const Vector& b)
+{
+	return Vector(a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x);
+}
+
+inline Vector Vector::GetNormalized() const
+{
+	const double length = GetLength();
+	return length > 0 ? *this / length : *this;
+}
 
 struct Matrix
 {
