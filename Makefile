@@ -4,7 +4,7 @@ PRESET ?= default
 BUILD_DIR = build/$(PRESET)
 OUT ?= out
 
-.PHONY: deps build run test asan bench clean
+.PHONY: deps build run test asan tsan bench clean
 
 deps:
 	scripts/install-deps
@@ -21,6 +21,11 @@ test: build
 
 asan:
 	$(MAKE) test PRESET=asan
+
+# The support layer's tests (threads, tasks, the parallel image code) under
+# ThreadSanitizer.
+tsan:
+	$(MAKE) test PRESET=tsan
 
 bench: build
 	$(BUILD_DIR)/bench/mesh_bench

@@ -82,5 +82,49 @@ std::string libraryErrorString();
 // nothing there. False when the system refused.
 bool setLibrarySearchDirectory(const std::string& dir);
 
+// Threads and what they wait on. Handles are the system's objects behind an
+// opaque pointer; each is made and freed by the calls here.
+
+// A lock that the thread holding it may take again (a critical section on
+// Windows), so that nested scopes of one thread cannot deadlock.
+struct MutexObject;
+using MutexHandle = MutexObject*;
+MutexHandle createMutex();
+void lockMutex(MutexHandle mutex);
+void unlockMutex(MutexHandle mutex);
+void destroyMutex(MutexHandle mutex);
+
+// A manual-reset event: once set it stays set, and every wait returns at
+// once, until it is reset. It starts reset.
+struct EventObject;
+using EventHandle = EventObject*;
+EventHandle createEvent();
+void setEvent(EventHandle event);
+void resetEvent(EventHandle event);
+// Waits until the event is set, forever when infinite is set, else for at
+// most timeout_ms. False on a time-out. A set that happens while a thread
+// waits wakes it even if the event is reset again before it runs.
+bool waitEvent(EventHandle event, bool infinite, uint32_t timeout_ms);
+void destroyEvent(EventHandle event);
+
+struct ThreadObject;
+using ThreadHandle = ThreadObject*;
+using ThreadEntry = void (*)(void* argument);
+// Starts entry(argument) on a new thread. Null when the system refused.
+ThreadHandle startThread(ThreadEntry entry, void* argument);
+// Waits for the thread to end, then frees the handle.
+void joinThread(ThreadHandle thread);
+// Frees the handle without waiting; the thread runs on by itself. A thread
+// may detach itself.
+void detachThread(ThreadHandle thread);
+
+enum class ThreadPriority
+{
+	Normal,
+	BelowNormal
+};
+// 0, or the system's error code.
+int setThreadPriority(ThreadHandle thread, ThreadPriority priority);
+
 } // namespace Platform
 } // namespace Velorn

@@ -15,6 +15,9 @@
 #include <sys/wait.h>
 #include <cstring>
 #include <fcntl.h>
+#include <pthread.h>
+#include <sched.h>
+#include <time.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -154,6 +157,182 @@ bool freeLibrary(LibraryHandle library) { return ::dlclose(reinterpret_cast<void
 std::string libraryErrorString() { return library_error; }
 
 bool setLibrarySearchDirectory(const std::string&) { return true; }
+
+struct MutexObject
+{
+	pthread_mutex_t mutex;
+};
+
+MutexHandle createMutex()
+{
+	MutexObject* object = new MutexObject;
+	pthread_mutexattr_t attributes;
+	::pthread_mutexattr_init(&attributes);
+	::pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+	::pthread_mutex_init(&object->mutex, &attributes);
+	::pthread_mutexattr_destroy(&attributes);
+	return object;
+}
+
+void lockMutex(MutexHandle mutex) { ::pthread_mutex_lock(&mutex->mutex); }
+
+void unlockMutex(MutexHandle mutex) { ::pthread_mutex_unlock(&mutex->mutex); }
+
+void destroyMutex(MutexHandle mutex)
+{
+	::pthread_mutex_destroy(&mutex->mutex);
+	delete mutex;
+}
+
+// The event is a flag under a mutex with a condition variable. Each set
+// counts a generation, so that a waiter woken by a set returns even if
+// another thread reset the flag before the waiter got the mutex back, as a
+// Windows event releases every thread that waited when it was set.
+struct EventObject
+{
+	pthread_mutex_t mutex;
+	pthread_cond_t changed;
+	bool signalled = false;
+	uint64_t generation = 0;
+};
+
+EventHandle createEvent()
+{
+	EventObject* event = new EventObject;
+	::pthread_mutex_init(&event->mutex, nullptr);
+	// Time-outs run on the monotonic clock, so that a change of the wall
+	// clock does not stretch or cut them.
+	pthread_condattr_t attributes;
+	::pthread_condattr_init(&attributes);
+	::pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
+	::pthread_cond_init(&event->changed, &attributes);
+	::pthread_condattr_destroy(&attributes);
+	return event;
+}
+
+void setEvent(EventHandle event)
+{
+	::pthread_mutex_lock(&event->mutex);
+	event->signalled = true;
+	++event->generation;
+	::pthread_cond_broadcast(&event->changed);
+	::pthread_mutex_unlock(&event->mutex);
+}
+
+void resetEvent(EventHandle event)
+{
+	::pthread_mutex_lock(&event->mutex);
+	event->signalled = false;
+	::pthread_mutex_unlock(&event->mutex);
+}
+
+namespace
+{
+
+timespec deadlineAfter(uint32_t timeout_ms)
+{
+	timespec deadline;
+	::clock_gettime(CLOCK_MONOTONIC, &deadline);
+	deadline.tv_sec += timeout_ms / 1000;
+	deadline.tv_nsec += (long)(timeout_ms % 1000) * 1000000L;
+	if(deadline.tv_nsec >= 1000000000L)
+	{
+		deadline.tv_sec += 1;
+		deadline.tv_nsec -= 1000000000L;
+	}
+	return deadline;
+}
+
+} // namespace
+
+bool waitEvent(EventHandle event, bool infinite, uint32_t timeout_ms)
+{
+	const timespec deadline = deadlineAfter(infinite ? 0 : timeout_ms);
+	::pthread_mutex_lock(&event->mutex);
+	const uint64_t generation = event->generation;
+	bool woken = true;
+	while(!event->signalled && event->generation == generation)
+	{
+		if(infinite)
+			::pthread_cond_wait(&event->changed, &event->mutex);
+		else if(::pthread_cond_timedwait(&event->changed, &event->mutex, &deadline) == ETIMEDOUT)
+		{
+			woken = event->signalled || event->generation != generation;
+			break;
+		}
+	}
+	::pthread_mutex_unlock(&event->mutex);
+	return woken;
+}
+
+void destroyEvent(EventHandle event)
+{
+	::pthread_cond_destroy(&event->changed);
+	::pthread_mutex_destroy(&event->mutex);
+	delete event;
+}
+
+struct ThreadObject
+{
+	pthread_t thread;
+};
+
+namespace
+{
+
+// What the new thread runs; it belongs to the new thread, so that the
+// handle can be freed at any time.
+struct ThreadStart
+{
+	ThreadEntry entry;
+	void* argument;
+};
+
+void* runThreadEntry(void* start_pointer)
+{
+	const ThreadStart start = *static_cast<ThreadStart*>(start_pointer);
+	delete static_cast<ThreadStart*>(start_pointer);
+	start.entry(start.argument);
+	return nullptr;
+}
+
+} // namespace
+
+ThreadHandle startThread(ThreadEntry entry, void* argument)
+{
+	ThreadObject* object = new ThreadObject;
+	ThreadStart* start = new ThreadStart{entry, argument};
+	if(::pthread_create(&object->thread, nullptr, &runThreadEntry, start) != 0)
+	{
+		delete start;
+		delete object;
+		return nullptr;
+	}
+	return object;
+}
+
+void joinThread(ThreadHandle thread)
+{
+	::pthread_join(thread->thread, nullptr);
+	delete thread;
+}
+
+void detachThread(ThreadHandle thread)
+{
+	::pthread_detach(thread->thread);
+	delete thread;
+}
+
+int setThreadPriority(ThreadHandle thread, ThreadPriority priority)
+{
+	// Threads of the ordinary policy have no priority levels here: below
+	// normal becomes the batch policy, which the scheduler treats as work
+	// that may wait, and normal the ordinary policy again.
+	sched_param parameters{};
+	parameters.sched_priority = 0;
+	const int policy = priority == ThreadPriority::BelowNormal ? SCHED_BATCH : SCHED_OTHER;
+	return ::pthread_setschedparam(thread->thread, policy, &parameters);
+}
 
 } // namespace Platform
 
