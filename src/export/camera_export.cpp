@@ -2,6 +2,7 @@
 
 #include "c4d/base_draw.h"
 #include "c4d/console.h"
+#include "export/host_space.h"
 #include "export/motion_blur_export.h"
 #include "host/plugin_ids.h"
 
@@ -60,8 +61,6 @@ Velorn::String filePath(const BaseContainer& data, int32_t id)
 {
 	return Velorn::String(data.GetFilename(id, Filename("element not found")).GetString().GetStdString());
 }
-
-Velorn::Vec3d swapYZ(const Vector& v) { return Velorn::Vec3d(v.x, v.z, v.y); }
 
 void exportSplatFilter(Velorn::SceneNodeRenderSettings& node, const BaseContainer& tag)
 {

@@ -4,6 +4,7 @@
 #include "c4d/host_clock.h"
 #include "c4d/polygon_object.h"
 #include "c4d/uv_projection.h"
+#include "export/host_space.h"
 #include "host/plugin_ids.h"
 
 #include <zlib.h>
@@ -505,7 +506,7 @@ MaterialContext::MaterialContext(const ExportSettings& settings)
 
 const TextureTag* findTextureTag(const BaseObject* object, const SelectionTag* selection_tag)
 {
-	for(; object; object = object->GetUp() ? object->GetUp() : object->GetCacheParent())
+	for(; object; object = objectAbove(object))
 	{
 		const TextureTag* found = nullptr;
 		for(const BaseTag* tag = object->GetFirstTag(); tag; tag = tag->GetNext())

@@ -2,6 +2,7 @@
 
 #include "c4d/base_document.h"
 #include "c4d/console.h"
+#include "export/host_space.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,29 +10,14 @@
 namespace
 {
 
-// The host motion blur tag's strength.
-const int32_t MOTION_BLUR_STRENGTH = 1000;
-
-Velorn::Vec3d swapYZ(const Vector& v)
-{
-	return Velorn::Vec3d(v.x, v.z, v.y);
-}
-
-// The object above op: its parent, or for the top of a cache the generator.
-BaseObject* above(const BaseObject* op)
-{
-	BaseObject* parent = op->GetUp();
-	return parent ? parent : op->GetCacheParent();
-}
-
 // The strength of the first motion blur tag from op upward; false without one.
 bool motionBlurStrength(const BaseObject* op, double& strength)
 {
-	for(; op; op = above(op))
+	for(; op; op = objectAbove(op))
 	{
 		if(const BaseTag* tag = op->GetTag(Tmotionblur))
 		{
-			strength = tag->GetDataInstance()->GetFloat(MOTION_BLUR_STRENGTH);
+			strength = tag->GetDataInstance()->GetFloat(MOTIONBLURTAG_STRENGTH);
 			return true;
 		}
 	}
@@ -108,7 +94,7 @@ Velorn::KeyFrame placementKeyFrame(const Matrix& m, double time, double scale, c
 std::vector<BaseObject*> objectChain(BaseObject* op)
 {
 	std::vector<BaseObject*> chain;
-	for(; op; op = above(op))
+	for(; op; op = objectAbove(op))
 		chain.push_back(op);
 	std::reverse(chain.begin(), chain.end());
 	return chain;

@@ -93,6 +93,9 @@ private:
 	void exportObjects();
 	void walkObjects(BaseObject* op, const Matrix& parent_mg, bool single, bool visible, bool invisible_to_camera);
 	void walkObject(BaseObject* op, const Matrix& mg, bool visible, bool invisible_to_camera);
+	// What becomes of one object by its kind: an analytic sphere, a render
+	// instance, its caches walked, or the object itself.
+	void walkKind(BaseObject* op, const Matrix& mg, bool vis, bool visible_now, bool invisible_to_camera);
 	bool sphereStaysAnalytic(const BaseObject& sphere, const Matrix& mg) const;
 	void exportObject(BaseObject* op, const Matrix& mg, bool visible_now, bool camera_dependent, bool invisible_to_camera);
 	void excludeAreaLightShape(BaseObject* light);

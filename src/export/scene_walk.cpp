@@ -6,6 +6,7 @@
 #include "c4d/polygon_object.h"
 #include "c4d/primitives.h"
 #include "c4d/texture_tag.h"
+#include "export/host_space.h"
 #include "export/mesh_exporter.h"
 #include "export/motion_blur_export.h"
 #include "host/plugin_ids.h"
@@ -31,11 +32,6 @@ enum
 	SECTION_PLANE_CULL_GEOMETRY = 10016,
 };
 
-Velorn::Vec3d swapYZ(const Vector& v)
-{
-	return Velorn::Vec3d(v.x, v.z, v.y);
-}
-
 bool cameraDependent(const BaseObject& op)
 {
 	return (op.GetInfo() & OBJECT_CAMERADEPENDENT) != 0;
@@ -46,18 +42,11 @@ BaseObject* objectLink(const BaseObject& op, int32_t id)
 	return dynamic_cast<BaseObject*>(op.GetDataInstance()->GetLink(id));
 }
 
-// The object above op: its parent, or for the top of a cache the generator.
-BaseObject* above(const BaseObject* op)
-{
-	BaseObject* parent = op->GetUp();
-	return parent ? parent : op->GetCacheParent();
-}
-
 // Whether op lies below target (or is target), through parents and the
 // generators of caches.
 bool insideOf(const BaseObject* op, const BaseObject* target)
 {
-	for(; op; op = above(op))
+	for(; op; op = objectAbove(op))
 		if(op == target)
 			return true;
 	return false;
@@ -143,11 +132,18 @@ void SceneExporter::walkObject(BaseObject* op, const Matrix& mg, bool visible, b
 	const LayerData* layer = op->GetLayerData(settings->document);
 	const bool visible_now = vis && (!layer || layer->render);
 
+	if(op->GetType() != Oskipped)
+		walkKind(op, mg, vis, visible_now, invisible_to_camera);
+
+	if(BaseObject* child = op->GetDown())
+		walkObjects(child, mg, false, vis, invisible_to_camera);
+}
+
+void SceneExporter::walkKind(
+	BaseObject* op, const Matrix& mg, bool vis, bool visible_now, bool invisible_to_camera)
+{
 	BaseObject* cache = op->GetCache();
-	if(op->GetType() == Oskipped)
-	{
-	}
-	else if(op->GetType() == Osphere && cache && !cache->GetDeformCache())
+	if(op->GetType() == Osphere && cache && !cache->GetDeformCache())
 	{
 		if(sphereStaysAnalytic(*op, mg))
 			exportObject(op, mg, visible_now, cameraDependent(*op), invisible_to_camera);
@@ -162,9 +158,6 @@ void SceneExporter::walkObject(BaseObject* op, const Matrix& mg, bool visible, b
 		walkObjects(cache, mg, false, vis, invisible_to_camera);
 	else
 		exportObject(op, mg, visible_now, cameraDependent(*op), invisible_to_camera);
-
-	if(BaseObject* child = op->GetDown())
-		walkObjects(child, mg, false, vis, invisible_to_camera);
 }
 
 bool SceneExporter::sphereStaysAnalytic(const BaseObject& sphere, const Matrix& mg) const
