@@ -105,6 +105,18 @@ PolygonObject* makeShape(int32_t type, const BaseObject& light, const std::funct
 	return CurrentStateToObject(*primitive);
 }
 
+// A flat rectangle of width by height facing the light's z axis.
+PolygonObject* planeShape(const BaseObject& light, double width, double height)
+{
+	return makeShape(Oplane, light, [=](BaseContainer& plane) {
+		plane.SetFloat(PRIM_PLANE_WIDTH, width);
+		plane.SetFloat(PRIM_PLANE_HEIGHT, height);
+		plane.SetInt32(PRIM_PLANE_SUBW, 1);
+		plane.SetInt32(PRIM_PLANE_SUBH, 1);
+		plane.SetInt32(PRIM_AXIS, PRIM_AXIS_ZP);
+	});
+}
+
 } // namespace
 
 void SceneExporter::makeLightMaterial(BaseObject* light)
@@ -138,13 +150,7 @@ bool SceneExporter::exportLight(BaseObject* light, const Matrix& mg, bool invisi
 	case LIGHT_TYPE_SPOT:
 	{
 		const double side = 0.001 / settings->scale;
-		AutoFree<PolygonObject> shape(makeShape(Oplane, *light, [side](BaseContainer& plane) {
-			plane.SetFloat(PRIM_PLANE_WIDTH, side);
-			plane.SetFloat(PRIM_PLANE_HEIGHT, side);
-			plane.SetInt32(PRIM_PLANE_SUBW, 1);
-			plane.SetInt32(PRIM_PLANE_SUBH, 1);
-			plane.SetInt32(PRIM_AXIS, PRIM_AXIS_ZP);
-		}));
+		AutoFree<PolygonObject> shape(planeShape(*light, side, side));
 		return shape && exportShapeMesh(shape.Get(), SHAPE_SPOT, light, mg, invisible_to_camera);
 	}
 	case LIGHT_TYPE_AREA:
@@ -173,13 +179,7 @@ bool SceneExporter::exportAreaLight(BaseObject* light, const Matrix& mg, bool in
 		}));
 		break;
 	case LIGHT_AREADEFINITION_SHAPE_RECTANGLE:
-		made.Set(makeShape(Oplane, *light, [&](BaseContainer& plane) {
-			plane.SetFloat(PRIM_PLANE_WIDTH, x);
-			plane.SetFloat(PRIM_PLANE_HEIGHT, y);
-			plane.SetInt32(PRIM_PLANE_SUBW, 1);
-			plane.SetInt32(PRIM_PLANE_SUBH, 1);
-			plane.SetInt32(PRIM_AXIS, PRIM_AXIS_ZP);
-		}));
+		made.Set(planeShape(*light, x, y));
 		break;
 	case LIGHT_AREADEFINITION_SHAPE_SPHERE:
 	case LIGHT_AREADEFINITION_SHAPE_HEMISPHERE:
@@ -246,8 +246,7 @@ void SceneExporter::exportShapeModel(PolygonObject* shape, Velorn::UID mesh, int
 		addLightTagEmission(*model, *tag);
 	if(mode == SHAPE_SPOT && (!tag || !tag->GetDataInstance()->GetBool(lt_ies)))
 		model->ies_profiles.push_back(iesProfile(settings->light_material, defaultIESFile()));
-	root->addChildNode(model);
-	model_map[light] = model->uid;
+	addModel(light, model);
 }
 
 void SceneExporter::addLightTagEmission(Velorn::SceneNodeModel& model, const BaseTag& tag)
