@@ -1,5 +1,7 @@
 #include "c4d/base_container.h"
 
+#include "c4d/base_list.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -123,4 +125,10 @@ bool BaseContainer::operator==(const BaseContainer& o) const
 		return std::equal(mine.begin(), mine.end(), theirs.begin(), theirs.end(),
 			[](const GeData* a, const GeData* b) { return *a == *b; });
 	});
+}
+
+BaseList2D* BaseContainer::GetLink(int32_t key, const BaseDocument*, int32_t instanceof) const
+{
+	BaseList2D* node = GetData(key).GetLink();
+	return node && (instanceof == 0 || node->IsInstanceOf(instanceof)) ? node : nullptr;
 }

@@ -6,6 +6,8 @@
 #include <list>
 #include <utility>
 
+class BaseDocument;
+
 // Typed values by numeric id, in the order the ids were first set; setting
 // an id again replaces its value in place. A getter whose id is missing or
 // holds another type returns the given default, as in the application.
@@ -59,6 +61,10 @@ public:
 	// A copy of the container under key; an empty container when there is none.
 	BaseContainer GetContainer(int32_t key) const;
 	BaseList2D* GetLink(int32_t key, BaseList2D* preset = nullptr) const { return GetData(key).GetLink(preset); }
+	// The linked node when it is an instance of instanceof (any node for 0);
+	// null otherwise, and for a deleted node. doc is accepted for the
+	// application's signature.
+	BaseList2D* GetLink(int32_t key, const BaseDocument* doc, int32_t instanceof = 0) const;
 
 	// Adds an entry at the end, even when id is there already.
 	GeData* InsData(int32_t id, const GeData& data);

@@ -1,4 +1,5 @@
 #include "c4d/base_container.h"
+#include "c4d/base_object.h"
 
 #include <gtest/gtest.h>
 
@@ -37,12 +38,12 @@ std::vector<int32_t> idsOf(const BaseContainer& bc)
 
 TEST(BaseContainer, TypedGettersGiveTheDefaultForOtherTypes)
 {
-	BaseList2D* node = reinterpret_cast<BaseList2D*>(0x1000);
-	const BaseContainer bc = everyKind(node);
+	BaseList2D node(Onull), preset(Onull);
+	const BaseContainer bc = everyKind(&node);
 	const Vector vectorPreset(9, 9, 9);
 	const Filename filenamePreset("preset");
 	const BaseTime timePreset(1, 2);
-	BaseList2D* linkPreset = reinterpret_cast<BaseList2D*>(0x2000);
+	BaseList2D* linkPreset = &preset;
 	const struct
 	{
 		int32_t id;
@@ -63,7 +64,7 @@ TEST(BaseContainer, TypedGettersGiveTheDefaultForOtherTypes)
 		EXPECT_EQ(bc.GetFilename(t.id, filenamePreset), t.id == 5 ? Filename("/tmp/a.vls") : filenamePreset);
 		EXPECT_EQ(bc.GetTime(t.id, timePreset), t.id == 6 ? BaseTime(3, 25) : timePreset);
 		EXPECT_EQ(bc.GetContainer(t.id).GetInt32(1), t.id == 7 ? 5 : 0);
-		EXPECT_EQ(bc.GetLink(t.id, linkPreset), t.id == 8 ? node : linkPreset);
+		EXPECT_EQ(bc.GetLink(t.id, linkPreset), t.id == 8 ? &node : linkPreset);
 		EXPECT_EQ(bc.GetDataPointer(t.id) != nullptr, t.id != 100);
 	}
 	EXPECT_EQ(bc.GetContainer(7).GetId(), 99);

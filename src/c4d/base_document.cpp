@@ -1,5 +1,6 @@
 #include "c4d/base_document.h"
 
+#include "c4d/atom_array.h"
 #include "c4d/base_thread.h"
 #include "c4d/polygon_object.h"
 #include "c4d/primitives.h"
@@ -96,5 +97,51 @@ bool BaseDocument::ExecutePasses(BaseThread* bt, bool animation, bool, bool cach
 		return false;
 	if(caches)
 		buildPrimitiveCaches(GetFirstObject());
+	return true;
+}
+
+void BaseDocument::GetActiveMaterials(AtomArray& selection) const
+{
+	for(BaseMaterial* mat = GetFirstMaterial(); mat; mat = mat->GetNext())
+		if(mat->GetBit(BIT_ACTIVE))
+			selection.Append(mat);
+}
+
+void BaseDocument::SetActiveMaterial(BaseMaterial* mat, int32_t mode)
+{
+	if(mode == SELECTION_NEW)
+		for(BaseMaterial* m = GetFirstMaterial(); m; m = m->GetNext())
+			m->DelBit(BIT_ACTIVE);
+	if(!mat)
+		return;
+	if(mode == SELECTION_SUB)
+		mat->DelBit(BIT_ACTIVE);
+	else
+		mat->SetBit(BIT_ACTIVE);
+}
+
+bool BaseDocument::StartUndo()
+{
+	++undoDepth;
+	return true;
+}
+
+bool BaseDocument::AddUndo(int32_t type, BaseList2D* node)
+{
+	if(undoDepth == 0 || !node)
+		return false;
+	openUndo.push_back({type, node, node->GetName(), node->GetType()});
+	return true;
+}
+
+bool BaseDocument::EndUndo()
+{
+	if(undoDepth == 0)
+		return false;
+	if(--undoDepth == 0)
+	{
+		undoGroups.push_back(std::move(openUndo));
+		openUndo.clear();
+	}
 	return true;
 }

@@ -8,8 +8,38 @@
 #include "c4d/layer_object.h"
 #include "c4d/render_data.h"
 
+#include <vector>
+
+class AtomArray;
 class BaseDraw;
 class BaseThread;
+
+// The kinds of undo entries, by the application's numbers.
+enum
+{
+	UNDOTYPE_CHANGE = 40,
+	UNDOTYPE_CHANGE_SMALL = 42,
+	UNDOTYPE_NEW = 44,
+	UNDOTYPE_DELETE = 45,
+};
+
+// Modes of SetActiveMaterial.
+enum
+{
+	SELECTION_NEW = 0,
+	SELECTION_ADD = 1,
+	SELECTION_SUB = 2,
+};
+
+// One undo entry as the document recorded it: its kind, the node and the
+// node's name and type when the entry was added (the node may be gone).
+struct UndoEntry
+{
+	int32_t type;
+	BaseList2D* node;
+	String name;
+	int32_t nodeType;
+};
 
 // Flags of AnimateObject.
 enum
@@ -54,6 +84,23 @@ public:
 	BaseMaterial* GetFirstMaterial() const { return static_cast<BaseMaterial*>(materials.GetFirst()); }
 	// Puts mat after pred, or first when pred is null; the document owns it.
 	void InsertMaterial(BaseMaterial* mat, BaseMaterial* pred = nullptr) { materials.Insert(mat, pred); }
+
+	// The materials with BIT_ACTIVE, in list order, appended to selection.
+	void GetActiveMaterials(AtomArray& selection) const;
+	// SELECTION_NEW makes mat the only active material (none for null),
+	// SELECTION_ADD and SELECTION_SUB add it to or take it from the active ones.
+	void SetActiveMaterial(BaseMaterial* mat, int32_t mode = SELECTION_NEW);
+
+	// Undo: entries are added between StartUndo and EndUndo, which make
+	// one group; groups nest, and the outermost pair closes the group. The
+	// headless host records the groups for tests instead of undoing.
+	bool StartUndo();
+	// Records an entry in the open group; false when no group is open.
+	bool AddUndo(int32_t type, BaseList2D* node);
+	bool EndUndo();
+	// The closed groups, oldest first, and whether a group is open.
+	const std::vector<std::vector<UndoEntry>>& GetUndoGroups() const { return undoGroups; }
+	bool IsUndoOpen() const { return undoDepth > 0; }
 
 	// The document's layers; insert a LayerObject there to add one.
 	GeListHead* GetLayerObjectRoot() { return &layers; }
@@ -112,4 +159,7 @@ private:
 	BaseObject* camera = nullptr;
 	Filename path;
 	Filename name;
+	std::vector<std::vector<UndoEntry>> undoGroups;
+	std::vector<UndoEntry> openUndo;
+	int32_t undoDepth = 0;
 };

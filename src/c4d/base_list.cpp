@@ -1,8 +1,12 @@
 #include "c4d/base_list.h"
 
+#include "c4d/base_document.h"
 #include "c4d/base_shader.h"
+#include "c4d/description.h"
+#include "c4d/layer_object.h"
 
 #include <iterator>
+#include <map>
 
 GeListNode* GeListNode::GetNext() const
 {
@@ -147,4 +151,145 @@ void BaseList2D::beforeFree()
 		return;
 	nodeData->Free(this);
 	nodeData.reset();
+}
+
+BaseDocument* BaseList2D::GetDocument() const
+{
+	const GeListNode* node = this;
+	while(node)
+	{
+		while(node->GetUp())
+			node = node->GetUp();
+		const GeListHead* head = node->GetListHead();
+		if(!head)
+			return node->GetType() == Tbasedocument ? static_cast<BaseDocument*>(const_cast<GeListNode*>(node)) : nullptr;
+		node = head->GetMain();
+	}
+	return nullptr;
+}
+
+bool BaseList2D::GetParameter(const DescID& id, GeData& t_data, int32_t flags)
+{
+	if(nodeData && !nodeData->GetDParameter(this, id, t_data, flags))
+		return false;
+	if(!(flags & DESCFLAGS_GET_PARAM_GET))
+		t_data = data.GetData(id[0].id);
+	return true;
+}
+
+bool BaseList2D::SetParameter(const DescID& id, const GeData& t_data, int32_t flags)
+{
+	if(nodeData && !nodeData->SetDParameter(this, id, t_data, flags))
+		return false;
+	if(!(flags & DESCFLAGS_SET_PARAM_SET))
+		data.SetData(id[0].id, t_data);
+	return true;
+}
+
+bool BaseList2D::GetDescription(Description* description, int32_t flags)
+{
+	if(nodeData)
+		return nodeData->GetDDescription(this, description, flags);
+	return description->LoadDescription(GetType());
+}
+
+bool BaseList2D::IsParameterEnabled(const DescID& id)
+{
+	if(!nodeData)
+		return true;
+	Description description;
+	const BaseContainer* itemdesc = nullptr;
+	if(GetDescription(&description))
+		itemdesc = description.GetParameterI(id);
+	GeData value;
+	GetParameter(id, value);
+	return nodeData->GetDEnabling(this, id, value, DESCFLAGS_ENABLE_NONE, itemdesc);
+}
+
+bool BaseList2D::Message(int32_t type, void* message)
+{
+	return nodeData ? nodeData->Message(this, type, message) : true;
+}
+
+void BaseList2D::SetDirty(int32_t flags)
+{
+	if(flags & DIRTYFLAGS_DATA)
+		++dirty;
+}
+
+uint32_t BaseList2D::GetDirty(int32_t flags) const
+{
+	return (flags & DIRTYFLAGS_DATA) ? dirty : 0;
+}
+
+LayerObject* BaseList2D::GetLayerObject(BaseDocument*) const
+{
+	return static_cast<LayerObject*>(layer.GetLink());
+}
+
+void BaseList2D::SetLayerObject(LayerObject* layer_)
+{
+	layer = GeData(static_cast<BaseList2D*>(layer_));
+}
+
+namespace
+{
+
+using CloneMap = std::map<const BaseList2D*, BaseList2D*>;
+
+// Points the links of bc that name a copied node to its copy, in nested
+// containers too.
+void relinkCopies(BaseContainer& bc, const CloneMap& copies)
+{
+	for(int32_t i = 0; i < bc.GetCount(); ++i)
+	{
+		GeData* value = bc.GetIndexData(i);
+		if(BaseContainer* nested = value->GetContainerInstance())
+			relinkCopies(*nested, copies);
+		else if(value->GetType() == DA_ALIASLINK)
+		{
+			const auto found = copies.find(value->GetLink());
+			if(found != copies.end())
+				*value = GeData(found->second);
+		}
+	}
+}
+
+// Copies the shaders that from owns to to, entering each pair in copies.
+// A shader whose type is no longer known is left out.
+void cloneShaders(const BaseList2D& from, BaseList2D& to, CloneMap& copies)
+{
+	BaseShader* pred = nullptr;
+	for(BaseShader* sh = from.GetFirstShader(); sh; sh = sh->GetNext())
+	{
+		BaseShader* copy = BaseShader::Alloc(sh->GetType());
+		if(!copy)
+			continue;
+		to.InsertShader(copy, pred);
+		pred = copy;
+		copies[sh] = copy;
+		copy->SetName(sh->GetName());
+		copy->SetData(sh->GetData());
+		cloneShaders(*sh, *copy, copies);
+	}
+}
+
+void relinkTree(BaseList2D& node, const CloneMap& copies)
+{
+	relinkCopies(*node.GetDataInstance(), copies);
+	for(BaseShader* sh = node.GetFirstShader(); sh; sh = sh->GetNext())
+		relinkTree(*sh, copies);
+}
+
+} // namespace
+
+void BaseList2D::cloneInto(BaseList2D& copy) const
+{
+	copy.SetName(name);
+	copy.SetData(data);
+	copy.bits = bits;
+	copy.layer = layer;
+	CloneMap copies;
+	cloneShaders(*this, copy, copies);
+	relinkTree(copy, copies);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "c4d/base_container.h"
+#include "c4d/ge_data.h"
 #include "c4d/c4d_string.h"
 #include "c4d/node_data.h"
 
@@ -8,13 +9,33 @@
 #include <list>
 #include <memory>
 
+class BaseDocument;
 class BaseShader;
+class DescID;
+class Description;
 class GeListHead;
+class LayerObject;
 
 // Bits of a node's state that the application keeps besides its parameters.
 enum
 {
 	BIT_ACTIVE = 1 << 1,
+	// Set on the materials a node uses by MSG_MULTI_MARKMATERIALS.
+	BIT_MATMARK = 1 << 2,
+};
+
+// The base types that BaseList2D::IsInstanceOf answers for every node of a
+// class, whatever its own type.
+enum
+{
+	Mbase = 5702,
+	Xbase = 5707,
+};
+
+// What SetDirty and GetDirty count.
+enum
+{
+	DIRTYFLAGS_DATA = 1 << 1,
 };
 
 // A node of a list tree. The nodes of one list are siblings (GetNext,
@@ -148,6 +169,42 @@ public:
 	BaseContainer GetData() const { return data; }
 	void SetData(const BaseContainer& data_) { data = data_; }
 
+	// Whether the node is of type id, or of a class whose base type is id
+	// (Mbase for materials, Xbase for shaders).
+	virtual bool IsInstanceOf(int32_t id) const { return GetType() == id; }
+
+	// The document the node is in, through its lists and owners (an
+	// object's tags, a node's shaders); null for a free node.
+	BaseDocument* GetDocument() const;
+
+	// A parameter by its description address, as the attribute manager and
+	// the plug-ins read and write them: the node's plug-in sees the call
+	// first (GetDParameter, SetDParameter), then the container. False when
+	// the plug-in refuses.
+	bool GetParameter(const DescID& id, GeData& t_data, int32_t flags = 0);
+	bool SetParameter(const DescID& id, const GeData& t_data, int32_t flags = 0);
+	// The node's description as the attribute manager asks for it: through
+	// its plug-in's GetDDescription, or the description of its type for the
+	// host's own nodes. False when it cannot be had.
+	bool GetDescription(Description* description, int32_t flags = 0);
+	// Whether the attribute manager lets the user edit the parameter now
+	// (the plug-in's GetDEnabling, given the value and its description
+	// settings); true for nodes without a plug-in.
+	bool IsParameterEnabled(const DescID& id);
+	// Sends a message to the node's plug-in; true for nodes without one.
+	bool Message(int32_t type, void* data = nullptr);
+
+	// Counts changes of the node: SetDirty(DIRTYFLAGS_DATA) raises the count
+	// that GetDirty(DIRTYFLAGS_DATA) returns.
+	void SetDirty(int32_t flags);
+	uint32_t GetDirty(int32_t flags) const;
+
+	// The layer is one of the document's layers; the document argument is
+	// the one the node is in, as in the application. A layer that has been
+	// freed reads as none.
+	LayerObject* GetLayerObject(BaseDocument* doc) const;
+	void SetLayerObject(LayerObject* layer);
+
 	int32_t GetInfo() const { return info; }
 	// The host sets the info flags of a node from the registration of its kind.
 	void SetInfo(int32_t info_) { info = info_; }
@@ -163,8 +220,18 @@ public:
 	// when pred is null; the node owns it.
 	void InsertShader(BaseShader* sh, BaseShader* pred = nullptr);
 
+	// What the node's GeData links hold besides the pointer: a token that
+	// expires when the node is deleted, so that a link to a freed node
+	// reads as empty.
+	const std::shared_ptr<const char>& liveness() const { return alive; }
+
 protected:
 	void beforeFree() override;
+	// Copies name, parameters, bits, layer and the owned shaders (with their
+	// children) of this node to copy, a new node of the same type with its
+	// defaults; links of the copied parameters that point to a copied shader
+	// point to its copy. The GetClone of the node classes use it.
+	void cloneInto(BaseList2D& copy) const;
 	// A shader keeps the shaders it owns as its children (GetDown); other
 	// nodes keep them in a list of their own.
 	virtual bool ownsShadersAsChildren() const { return false; }
@@ -176,6 +243,10 @@ private:
 	int32_t bits = 0;
 	std::unique_ptr<NodeData> nodeData;
 	GeListHead shaders;
+	std::shared_ptr<const char> alive = std::make_shared<const char>(0);
+	uint32_t dirty = 0;
+	// Held as a link, so that a freed layer reads as none.
+	GeData layer;
 };
 
 // Navigation typed as T, for node classes whose lists hold only their own

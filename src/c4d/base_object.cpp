@@ -71,13 +71,9 @@ BaseObject* BaseObject::GetOrigin(bool) const
 	return origin;
 }
 
-LayerObject* BaseObject::GetLayerObject(BaseDocument*) const
+const LayerData* BaseObject::GetLayerData(BaseDocument* doc) const
 {
-	return layer;
-}
-
-const LayerData* BaseObject::GetLayerData(BaseDocument*) const
-{
+	const LayerObject* layer = GetLayerObject(doc);
 	return layer ? &layer->GetLayerData() : nullptr;
 }
 

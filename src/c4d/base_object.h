@@ -119,11 +119,7 @@ public:
 	ObjectTracks& GetTracks() { return tracks; }
 	const ObjectTracks& GetTracks() const { return tracks; }
 
-	// The layer is one of the document's layers; the document argument is
-	// the one the object is in, as in the application.
-	LayerObject* GetLayerObject(BaseDocument* doc) const;
-	void SetLayerObject(LayerObject* layer_) { layer = layer_; }
-	// The layer's switches, or null without a layer.
+	// The switches of the object's layer (GetLayerObject), or null without a layer.
 	const LayerData* GetLayerData(BaseDocument* doc) const;
 
 private:
@@ -139,6 +135,5 @@ private:
 	std::unique_ptr<BaseObject> cache;
 	std::unique_ptr<BaseObject> deformCache;
 	BaseObject* cacheParent = nullptr;
-	LayerObject* layer = nullptr;
 	ObjectTracks tracks;
 };

@@ -32,6 +32,12 @@ public:
 	// is neither one of the host's shaders nor a registered shader plug-in.
 	static BaseShader* Alloc(int32_t type);
 
+	bool IsInstanceOf(int32_t id) const override { return id == Xbase || BaseList2D::IsInstanceOf(id); }
+
+	// A free copy with name, parameters and the shaders it owns, as
+	// BaseMaterial::GetClone.
+	BaseShader* GetClone() const;
+
 protected:
 	bool ownsShadersAsChildren() const override { return true; }
 };

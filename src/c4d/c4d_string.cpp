@@ -115,3 +115,24 @@ String operator+(String a, const String& b)
 {
 	return a += b;
 }
+
+String String::ToLower() const
+{
+	// Latin-1's capitals U+00C0 to U+00DE (but U+00D7, the multiplication
+	// sign) are the two bytes C3 80 to C3 9E; their small letters lie 0x20
+	// above in the second byte.
+	std::string folded = text;
+	for(size_t i = 0; i < folded.size(); ++i)
+	{
+		unsigned char& c = reinterpret_cast<unsigned char&>(folded[i]);
+		if(c >= 'A' && c <= 'Z')
+			c = (unsigned char)(c + 0x20);
+		else if(c == 0xC3 && i + 1 < folded.size())
+		{
+			unsigned char& next = reinterpret_cast<unsigned char&>(folded[++i]);
+			if(next >= 0x80 && next <= 0x9E && next != 0x97)
+				next = (unsigned char)(next + 0x20);
+		}
+	}
+	return String(std::move(folded));
+}

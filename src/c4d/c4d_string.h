@@ -30,6 +30,10 @@ public:
 	int32_t ToLong(bool* error = nullptr) const;
 	double ToReal(bool* error = nullptr) const;
 
+	// The host's case folding: letters of ASCII and of Latin-1 to lower
+	// case, everything else as it is.
+	String ToLower() const;
+
 	const std::string& GetStdString() const { return text; }
 
 	String& operator+=(const String& o);

@@ -3,6 +3,35 @@
 #include <algorithm>
 #include <limits>
 
+namespace
+{
+
+// The line and column (from 1) of the byte at offset in text.
+std::string lineAndColumn(const std::string& text, size_t offset)
+{
+	offset = std::min(offset, text.size());
+	size_t line = 1, lineStart = 0;
+	for(size_t i = 0; i < offset; ++i)
+		if(text[i] == '\n')
+			++line, lineStart = i + 1;
+	return std::to_string(line) + ":" + std::to_string(offset - lineStart + 1);
+}
+
+} // namespace
+
+DocumentChecks::Json DocumentChecks::parse(const std::string& text, const std::string& file)
+{
+	try
+	{
+		return Json::parse(text);
+	}
+	catch(const Json::parse_error& e)
+	{
+		// e.byte counts from 1 and points at the byte where reading stopped.
+		throw DocumentFileExcep(file + ":" + lineAndColumn(text, e.byte ? e.byte - 1 : 0) + ": not valid JSON");
+	}
+}
+
 std::string DocumentChecks::member(const std::string& place, const char* key)
 {
 	return place.empty() ? std::string(key) : place + "." + key;

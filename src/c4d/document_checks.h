@@ -21,6 +21,11 @@ public:
 
 	explicit DocumentChecks(std::string file_) : file(std::move(file_)) {}
 
+	// The JSON value of text; text that is not JSON throws DocumentFileExcep
+	// "<file>:<line>:<column>: not valid JSON" with the place (from 1)
+	// where reading stopped.
+	static Json parse(const std::string& text, const std::string& file);
+
 	const std::string& fileName() const { return file; }
 
 	// The place of a member, and of an element, of the value at place.

@@ -1,3 +1,4 @@
+#include "c4d/base_material.h"
 #include "c4d/base_shader.h"
 #include "c4d/document_file.h"
 #include "c4d/node_defaults.h"
@@ -147,11 +148,12 @@ TEST(DocumentFile, ExampleParameters)
 		{light, 902, GeData(static_cast<BaseList2D*>(objectAt(*doc, {"Set", "Crate"})))},
 		{light, 903, GeData(BaseTime(1, 50))},
 		{light, 904, GeData(nested)},
-		{doc->GetFirstMaterial(), 2000, GeData(Vector(0.8, 0.8, 0.75))},
-		{doc->GetFirstMaterial(), 2001, GeData(0.25)},
-		{doc->GetFirstMaterial(), 2002, GeData(Filename("textures/oak.png"))},
+		{doc->GetFirstMaterial(), MATERIAL_COLOR_COLOR, GeData(Vector(0.8, 0.8, 0.75))},
+		{doc->GetFirstMaterial(), MATERIAL_COLOR_BRIGHTNESS, GeData(0.9)},
+		{doc->GetFirstMaterial()->GetFirstShader(), BITMAPSHADER_FILENAME, GeData(Filename("textures/oak.png"))},
 		// A link to a shader.
-		{doc->GetFirstMaterial(), 2003, GeData(static_cast<BaseList2D*>(doc->GetFirstMaterial()->GetFirstShader()->GetNext()))},
+		{doc->GetFirstMaterial(), MATERIAL_COLOR_SHADER,
+			GeData(static_cast<BaseList2D*>(doc->GetFirstMaterial()->GetFirstShader()->GetNext()))},
 		{doc->GetActiveRenderData(), 5, GeData((int32_t)1280)},
 	};
 	for(const auto& t : params)
@@ -181,7 +183,10 @@ TEST(DocumentFile, ExampleTagsMaterialsLayersRender)
 	const BaseMaterial* floor = doc->GetFirstMaterial();
 	EXPECT_EQ(floor->GetType(), Mmaterial);
 	EXPECT_EQ(floor->GetName(), String("Floor"));
-	EXPECT_EQ(floor->GetNext(), nullptr);
+	const BaseMaterial* paint = floor->GetNext();
+	ASSERT_NE(paint, nullptr);
+	EXPECT_EQ(paint->GetName(), String("Red Paint"));
+	EXPECT_EQ(paint->GetNext(), nullptr);
 
 	const LayerObject* props = static_cast<LayerObject*>(doc->GetLayerObjectRoot()->GetFirst());
 	ASSERT_NE(props, nullptr);
@@ -190,6 +195,43 @@ TEST(DocumentFile, ExampleTagsMaterialsLayersRender)
 	EXPECT_FALSE(props->GetLayerData().view);
 	EXPECT_EQ(objectAt(*doc, {"Set", "Crate"})->GetLayerObject(doc.get()), props);
 	EXPECT_EQ(ground->GetLayerObject(doc.get()), nullptr);
+	EXPECT_EQ(paint->GetLayerObject(doc.get()), props);
+	EXPECT_EQ(floor->GetLayerObject(doc.get()), nullptr);
+	EXPECT_TRUE(paint->GetBit(BIT_ACTIVE));
+	EXPECT_FALSE(floor->GetBit(BIT_ACTIVE));
+
+	// Channel switches: the file's on top of the standard material's
+	// defaults, which have colour and specular on.
+	const struct
+	{
+		const BaseMaterial* mat;
+		int32_t channel;
+		bool on;
+	} channels[] = {
+		{floor, CHANNEL_COLOR, true},
+		{floor, CHANNEL_SPECULAR, true},
+		{floor, CHANNEL_REFLECTION, false},
+		{paint, CHANNEL_COLOR, true},
+		{paint, CHANNEL_REFLECTION, true},
+		{paint, CHANNEL_SPECULAR, false},
+		{paint, CHANNEL_BUMP, false},
+	};
+	for(const auto& c : channels)
+	{
+		SCOPED_TRACE(c.mat->GetName().GetStdString() + " channel " + std::to_string(c.channel));
+		EXPECT_EQ(c.mat->GetChannelState(c.channel), c.on);
+	}
+	// The colour shader is the material's own; links read by type see a
+	// shader as no material, and a material as no shader.
+	const BaseShader* colour = paint->GetFirstShader();
+	ASSERT_NE(colour, nullptr);
+	EXPECT_EQ(colour->GetType(), Xcolor);
+	EXPECT_EQ(colour->GetDataInstance()->GetVector(COLORSHADER_COLOR), Vector(0.7, 0.05, 0.05));
+	EXPECT_EQ(paint->GetDataInstance()->GetLink(MATERIAL_COLOR_SHADER, doc.get(), Xbase), colour);
+	EXPECT_EQ(paint->GetDataInstance()->GetLink(MATERIAL_COLOR_SHADER, doc.get(), Mbase), nullptr);
+	const BaseContainer* paintTag = objectAt(*doc, {"Set", "Crate"})->GetTag(Ttexture)->GetDataInstance();
+	EXPECT_EQ(paintTag->GetLink(TEXTURETAG_MATERIAL, doc.get(), Mbase), paint);
+	EXPECT_EQ(paintTag->GetLink(TEXTURETAG_MATERIAL, doc.get(), Xbase), nullptr);
 
 	const RenderData* rd = doc->GetActiveRenderData();
 	EXPECT_EQ(rd->GetName(), String("Final"));
@@ -260,9 +302,19 @@ TEST(DocumentFile, SavedAndLoadedAgainIsTheSame)
 	const BaseObject* light = objectAt(*again, {"Set", "Key Light"});
 	EXPECT_EQ(light->GetDataInstance()->GetLink(902), objectAt(*again, {"Set", "Crate"}));
 	const BaseMaterial* floor = again->GetFirstMaterial();
-	for(int32_t id : {2000, 2001, 2002})
+	for(int32_t id : {MATERIAL_COLOR_COLOR, MATERIAL_COLOR_BRIGHTNESS})
 		EXPECT_EQ(floor->GetDataInstance()->GetData(id), doc->GetFirstMaterial()->GetDataInstance()->GetData(id));
-	EXPECT_EQ(floor->GetDataInstance()->GetLink(2003), floor->GetFirstShader()->GetNext());
+	EXPECT_EQ(floor->GetDataInstance()->GetLink(MATERIAL_COLOR_SHADER), floor->GetFirstShader()->GetNext());
+	// A material's layer and selection are written and read back.
+	const BaseMaterial* paint = floor->GetNext();
+	ASSERT_NE(paint, nullptr);
+	EXPECT_EQ(paint->GetLayerObject(again.get()), again->GetLayerObjectRoot()->GetFirst());
+	EXPECT_NE(paint->GetLayerObject(again.get()), nullptr);
+	EXPECT_TRUE(paint->GetBit(BIT_ACTIVE));
+	EXPECT_EQ(floor->GetLayerObject(again.get()), nullptr);
+	EXPECT_FALSE(floor->GetBit(BIT_ACTIVE));
+	EXPECT_FALSE(paint->GetChannelState(CHANNEL_SPECULAR));
+	EXPECT_EQ(paint->GetDataInstance()->GetLink(MATERIAL_COLOR_SHADER), paint->GetFirstShader());
 	EXPECT_EQ(light->GetDataInstance()->GetContainer(904), objectAt(*doc, {"Set", "Key Light"})->GetDataInstance()->GetContainer(904));
 	const auto* crate = static_cast<const PolygonObject*>(objectAt(*again, {"Set", "Crate"}));
 	EXPECT_EQ(crate->GetPolygonCount(), 3);
@@ -407,6 +459,12 @@ TEST(DocumentFile, BadDocuments)
 		{obj + R"({"type": 5140, "matrix": {"off": [0, 0], "v1": [1, 0, 0], "v2": [0, 1, 0], "v3": [0, 0, 1]}}]})",
 			"scene.json: objects[0].matrix.off: expected an array of three numbers"},
 		{obj + R"({"type": 5140, "layer": "L"}]})", "scene.json: objects[0].layer: no layer named 'L'"},
+		{R"({"version": 1, "materials": [{"type": 5703}, {"type": 5703, "layer": "L"}]})",
+			"scene.json: materials[1].layer: no layer named 'L'"},
+		{R"({"version": 1, "materials": [{"type": 5703, "active": 1}]})",
+			"scene.json: materials[0].active: expected true or false"},
+		{R"({"version": 1, "materials": [{"type": 5703, "selected": true}]})",
+			"scene.json: materials[0]: unknown key 'selected'"},
 		{obj + R"({"type": 5140, "render_mode": "maybe"}]})",
 			"scene.json: objects[0].render_mode: unknown value 'maybe' (one of on, off, parent)"},
 		{obj + R"({"type": 5140}, {"type": 5140, "tags": [{"type": 5616, "params": [{"id": 1, "type": "long", "value": 1},

@@ -125,10 +125,14 @@ private:
 		{
 			const Json& j = (*materials)[i];
 			const std::string place = element("materials", i);
-			checkKeys(j, place, {"type", "name", "params", "shaders"});
+			checkKeys(j, place, {"type", "name", "layer", "active", "params", "shaders"});
 			BaseMaterial* mat = allocate<BaseMaterial>(j, place, "material");
 			doc.InsertMaterial(mat, pred);
 			begin(*mat, j, place, &materialNames);
+			if(const Json* layer = find(j, "layer"))
+				mat->SetLayerObject(static_cast<LayerObject*>(lookUp(layerNames, "layer", *layer, member(place, "layer"))));
+			if(const Json* active = find(j, "active"); active && boolean(*active, member(place, "active")))
+				mat->SetBit(BIT_ACTIVE);
 			if(const Json* shaders = find(j, "shaders"))
 				readShaders(*mat, *shaders, member(place, "shaders"));
 			pred = mat;
@@ -560,33 +564,11 @@ private:
 	Names objectNames, materialNames, shaderNames, layerNames;
 };
 
-// The line and column (from 1) of the byte at offset in text.
-std::string lineAndColumn(const std::string& text, size_t offset)
-{
-	offset = std::min(offset, text.size());
-	size_t line = 1, lineStart = 0;
-	for(size_t i = 0; i < offset; ++i)
-		if(text[i] == '\n')
-			++line, lineStart = i + 1;
-	return std::to_string(line) + ":" + std::to_string(offset - lineStart + 1);
-}
-
 } // namespace
 
 BaseDocument* ReadDocumentText(const std::string& text, const Filename& file)
 {
-	Json root;
-	try
-	{
-		root = Json::parse(text);
-	}
-	catch(const Json::parse_error& e)
-	{
-		// e.byte counts from 1 and points at the byte where reading stopped.
-		throw DocumentFileExcep(file.GetString().GetStdString() + ":" +
-			lineAndColumn(text, e.byte ? e.byte - 1 : 0) + ": not valid JSON");
-	}
-	return Reader(file).read(root);
+	return Reader(file).read(DocumentChecks::parse(text, file.GetString().GetStdString()));
 }
 
 BaseDocument* LoadDocumentFile(const Filename& file)

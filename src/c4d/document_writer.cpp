@@ -168,9 +168,13 @@ Json shader(const BaseShader& sh)
 	return j;
 }
 
-Json material(const BaseMaterial& mat)
+Json material(const BaseMaterial& mat, BaseDocument& doc)
 {
 	Json j = node(mat, true);
+	if(const LayerObject* layer = mat.GetLayerObject(&doc))
+		j["layer"] = layer->GetName().GetStdString();
+	if(mat.GetBit(BIT_ACTIVE))
+		j["active"] = true;
 	addParams(j, mat);
 	if(mat.GetFirstShader())
 		j["shaders"] = list(mat.GetFirstShader(), shader);
@@ -272,8 +276,8 @@ Json render(const RenderData& rd)
 
 Json document(const BaseDocument& constDoc)
 {
-	// The layer list and an object's layer are only reachable through a
-	// document that is not const; nothing here changes it.
+	// The layer list and the layer of an object or a material are only
+	// reachable through a document that is not const; nothing here changes it.
 	BaseDocument& doc = const_cast<BaseDocument&>(constDoc);
 	Json j = Json::object();
 	j["version"] = DocumentTables::formatVersion;
@@ -285,7 +289,7 @@ Json document(const BaseDocument& constDoc)
 	if(doc.GetActiveCamera())
 		j["camera"] = doc.GetActiveCamera()->GetName().GetStdString();
 	j["layers"] = layers(doc);
-	j["materials"] = list(doc.GetFirstMaterial(), material);
+	j["materials"] = list(doc.GetFirstMaterial(), [&doc](const BaseMaterial& mat) { return material(mat, doc); });
 	j["objects"] = objects(doc.GetFirstObject(), doc);
 	j["render"] = render(*doc.GetActiveRenderData());
 	return j;

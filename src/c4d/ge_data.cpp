@@ -1,11 +1,22 @@
 #include "c4d/ge_data.h"
 
 #include "c4d/base_container.h"
+#include "c4d/base_list.h"
 
 // The container is made as a changeable object, so that
 // GetContainerInstance may change it once no other value shares it.
 GeData::GeData(const BaseContainer& v) : value(std::make_shared<BaseContainer>(v))
 {
+}
+
+GeData::GeData(BaseList2D* v) : value(Link{v, v ? std::weak_ptr<const char>(v->liveness()) : std::weak_ptr<const char>()})
+{
+}
+
+BaseList2D* GeData::GetLink(BaseList2D* preset) const
+{
+	const Link* link = std::get_if<Link>(&value);
+	return link ? link->resolve() : preset;
 }
 
 int32_t GeData::GetType() const

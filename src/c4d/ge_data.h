@@ -40,7 +40,8 @@ public:
 	GeData(const Filename& v) : value(v) {}
 	GeData(const BaseTime& v) : value(v) {}
 	GeData(const BaseContainer& v);
-	GeData(BaseList2D* v) : value(v) {}
+	// A link to v; it reads as null once v is deleted.
+	GeData(BaseList2D* v);
 
 	// One of the DA_ constants.
 	int32_t GetType() const;
@@ -54,7 +55,9 @@ public:
 	String GetString(const String& preset = String()) const { return get(preset); }
 	Filename GetFilename(const Filename& preset = Filename()) const { return get(preset); }
 	BaseTime GetTime(const BaseTime& preset = BaseTime()) const { return get(preset); }
-	BaseList2D* GetLink(BaseList2D* preset = nullptr) const { return get(preset); }
+	// The linked node; null when the node has been deleted, preset when the
+	// value is no link.
+	BaseList2D* GetLink(BaseList2D* preset = nullptr) const;
 	// The stored container, or null when the value is of another type.
 	const BaseContainer* GetContainer() const;
 	// The stored container to be changed in place, or null. Copies of this
@@ -62,7 +65,8 @@ public:
 	// pointer is in use share its changes.
 	BaseContainer* GetContainerInstance();
 
-	// Same type and same value; containers compare by content, links by pointer.
+	// Same type and same value; containers compare by content, links by the
+	// node they read as.
 	bool operator==(const GeData& o) const;
 	bool operator!=(const GeData& o) const { return !(*this == o); }
 
@@ -74,6 +78,17 @@ private:
 		return stored ? *stored : preset;
 	}
 
+	// A link keeps the node's liveness token beside the pointer.
+	struct Link
+	{
+		BaseList2D* node;
+		std::weak_ptr<const char> alive;
+
+		// The node, or null once it has been deleted.
+		BaseList2D* resolve() const { return alive.expired() ? nullptr : node; }
+		bool operator==(const Link& o) const { return resolve() == o.resolve(); }
+	};
+
 	std::variant<std::monostate, int32_t, double, Vector, String, Filename, BaseTime,
-		std::shared_ptr<const BaseContainer>, BaseList2D*> value;
+		std::shared_ptr<const BaseContainer>, Link> value;
 };

@@ -1,5 +1,8 @@
 #include "c4d/node_data.h"
 
+#include "c4d/base_list.h"
+#include "c4d/description.h"
+
 bool NodeData::Init(GeListNode*)
 {
 	return true;
@@ -12,6 +15,34 @@ void NodeData::Free(GeListNode*)
 bool NodeData::Message(GeListNode*, int32_t, void*)
 {
 	return true;
+}
+
+bool NodeData::GetDDescription(GeListNode* node, Description* description, int32_t& flags)
+{
+	if(!description->LoadDescription(node->GetType()))
+		return false;
+	flags |= DESCFLAGS_DESC_LOADED;
+	return true;
+}
+
+bool NodeData::GetDParameter(GeListNode*, const DescID&, GeData&, int32_t&)
+{
+	return true;
+}
+
+bool NodeData::SetDParameter(GeListNode*, const DescID&, const GeData&, int32_t&)
+{
+	return true;
+}
+
+bool NodeData::GetDEnabling(GeListNode*, const DescID&, const GeData&, int32_t, const BaseContainer*)
+{
+	return true;
+}
+
+int32_t MaterialData::GetRenderInfo(BaseMaterial*)
+{
+	return 0;
 }
 
 bool CommandData::Execute(BaseDocument*)

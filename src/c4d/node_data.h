@@ -2,7 +2,12 @@
 
 #include <cstdint>
 
+class BaseContainer;
 class BaseDocument;
+class BaseMaterial;
+class DescID;
+class Description;
+class GeData;
 class GeListNode;
 
 // The plug-in's part of a node of a registered plug-in type. The host makes
@@ -19,6 +24,24 @@ public:
 	virtual void Free(GeListNode* node);
 	// A message sent to the node; true when handled or nothing needed doing.
 	virtual bool Message(GeListNode* node, int32_t type, void* data);
+
+	// What the attribute manager shows of the node. The default loads the
+	// description of the node's type and sets DESCFLAGS_DESC_LOADED in
+	// flags; false when it cannot be loaded.
+	virtual bool GetDDescription(GeListNode* node, Description* description, int32_t& flags);
+	// A parameter read; the plug-in sets DESCFLAGS_GET_PARAM_GET in flags
+	// when it filled t_data itself, otherwise the host reads the container.
+	// The default does nothing and returns true.
+	virtual bool GetDParameter(GeListNode* node, const DescID& id, GeData& t_data, int32_t& flags);
+	// A parameter write; the plug-in sets DESCFLAGS_SET_PARAM_SET in flags
+	// when it stored t_data itself, otherwise the host writes the container.
+	// The default does nothing and returns true.
+	virtual bool SetDParameter(GeListNode* node, const DescID& id, const GeData& t_data, int32_t& flags);
+	// Whether the parameter id, whose value is t_data and whose description
+	// settings are itemdesc (null when it has none), can be edited now. The
+	// default is true.
+	virtual bool GetDEnabling(GeListNode* node, const DescID& id, const GeData& t_data, int32_t flags,
+		const BaseContainer* itemdesc);
 };
 
 // The plug-in kinds whose nodes carry NodeData.
@@ -36,6 +59,23 @@ class VideoPostData : public NodeData
 
 class ShaderData : public NodeData
 {
+};
+
+// Bits of MaterialData::GetRenderInfo: what the material asks of the host's renderer.
+enum
+{
+	SHADERINFO_TRANSFORM = 0x00000004,
+	SHADERINFO_BUMP_SUPPORT = 0x00000010,
+	SHADERINFO_ALPHA_SUPPORT = 0x00000020,
+};
+
+// A material plug-in. The drawing and host-render operations of the
+// application's table come with the host's images.
+class MaterialData : public NodeData
+{
+public:
+	// The SHADERINFO_ bits of the material; 0 by default.
+	virtual int32_t GetRenderInfo(BaseMaterial* mat);
 };
 
 // Makes the NodeData of a new node; registered once per plug-in type.

@@ -58,7 +58,7 @@ constexpr HostType hostTypes[] = {
 	{NodeClass::Tag, Tuvw},
 	{NodeClass::Tag, Tpolygonselection},
 	{NodeClass::Tag, Tpointselection},
-	{NodeClass::Material, Mmaterial},
+	{NodeClass::Material, Mmaterial, SetStandardMaterialDefaults},
 	{NodeClass::Shader, Xcolor},
 	{NodeClass::Shader, Xbitmap},
 };
@@ -189,6 +189,12 @@ bool RegisterShaderPlugin(int32_t id, const String& name, int32_t info, DataAllo
 	const String& description, int32_t)
 {
 	return PluginRegistry::get().add(nodePlugin(PluginKind::Shader, id, name, info, allocator, description));
+}
+
+bool RegisterMaterialPlugin(int32_t id, const String& name, int32_t info, DataAllocator* allocator,
+	const String& description, int32_t)
+{
+	return PluginRegistry::get().add(nodePlugin(PluginKind::Material, id, name, info, allocator, description));
 }
 
 bool RegisterCommandPlugin(int32_t id, const String& name, int32_t info, const Filename& icon, const String& help,

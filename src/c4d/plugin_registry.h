@@ -87,6 +87,8 @@ bool RegisterVideoPostPlugin(int32_t id, const String& name, int32_t info, DataA
 	const String& description, int32_t disklevel, int32_t priority);
 bool RegisterShaderPlugin(int32_t id, const String& name, int32_t info, DataAllocator* allocator,
 	const String& description, int32_t disklevel);
+bool RegisterMaterialPlugin(int32_t id, const String& name, int32_t info, DataAllocator* allocator,
+	const String& description, int32_t disklevel);
 // The registry takes command; it is deleted at once when the call fails.
 bool RegisterCommandPlugin(int32_t id, const String& name, int32_t info, const Filename& icon, const String& help,
 	CommandData* command);

@@ -1,5 +1,7 @@
 #include "c4d/resources.h"
 
+#include "c4d/description_file.h"
+
 #include "support/file_utils.h"
 #include "support/string_utils.h"
 
@@ -150,21 +152,31 @@ Filename HostResources::stringsFile(const Filename& module_dir)
 	return module_dir + Filename("res") + Filename("strings_us") + Filename("c4d_strings.str");
 }
 
-bool HostResources::init(const Filename& module_dir)
+Filename HostResources::descriptionFile(const Filename& module_dir, const String& symbol)
+{
+	return module_dir + Filename("res") + Filename("description") + Filename(symbol + String(".json"));
+}
+
+bool HostResources::init(const Filename& module_dir_)
 {
 	StringTable loaded;
 	String failure;
 	try
 	{
-		loaded = StringTable::load(stringsFile(module_dir));
+		loaded = StringTable::load(stringsFile(module_dir_));
 	}
 	catch(const Velorn::MessageException& e)
 	{
 		failure = e.what();
 	}
+	{
+		std::lock_guard<std::mutex> lock(descriptions_mutex);
+		descriptions.clear();
+	}
 	std::lock_guard<std::mutex> lock(mutex);
 	table = loaded;
 	last_error = failure;
+	module_dir = module_dir_;
 	return !failure.Content();
 }
 
@@ -176,9 +188,14 @@ void HostResources::setStrings(const StringTable& table_)
 
 void HostResources::clear()
 {
+	{
+		std::lock_guard<std::mutex> lock(descriptions_mutex);
+		descriptions.clear();
+	}
 	std::lock_guard<std::mutex> lock(mutex);
 	table = StringTable();
 	last_error = String();
+	module_dir = Filename();
 }
 
 bool HostResources::find(int32_t id, String& out) const
@@ -191,6 +208,39 @@ String HostResources::error() const
 {
 	std::lock_guard<std::mutex> lock(mutex);
 	return last_error;
+}
+
+Filename HostResources::moduleDirectory() const
+{
+	std::lock_guard<std::mutex> lock(mutex);
+	return module_dir;
+}
+
+std::shared_ptr<const DescriptionFile> HostResources::description(const String& symbol, String& failure)
+{
+	failure = String();
+	const Filename dir = moduleDirectory();
+	std::lock_guard<std::mutex> lock(descriptions_mutex);
+	const auto found = descriptions.find(symbol);
+	if(found != descriptions.end())
+		return found->second;
+	std::shared_ptr<const DescriptionFile>& cached = descriptions[symbol];
+	if(!dir.Content())
+		// A path relative to the working directory would find whatever lies
+		// there; without a module there are no descriptions.
+		failure = String("the host has no module directory");
+	else
+	{
+		try
+		{
+			cached = std::make_shared<const DescriptionFile>(DescriptionFile::load(descriptionFile(dir, symbol), symbol));
+		}
+		catch(const Velorn::MessageException& e)
+		{
+			failure = e.what();
+		}
+	}
+	return cached;
 }
 
 String GeLoadString(int32_t id)
