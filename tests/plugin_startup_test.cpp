@@ -106,7 +106,8 @@ TEST_F(InstalledPlugin, StartsWithItsLinesRegistrationsAndPreviewScenes)
 
 	// The plug-ins that exist, in the order of the registration table.
 	EXPECT_EQ(PluginRegistry::get().ids(),
-		(std::vector<int32_t>{1020892, 1021223, 1022083, 1022667, 1029978, 1020894, 1020896, 1022283}));
+		(std::vector<int32_t>{1020892, 1021223, 1022083, 1022667, 1029978, 1020894, 1021852, 1024454, 1020896,
+			1022283, 1024337}));
 	EXPECT_EQ(PluginRegistry::get().find(1022083)->name, String("Velorn Camera Tag"));
 	EXPECT_EQ(PluginRegistry::get().find(1029978)->description, String("TVelornCompositing"));
 	EXPECT_EQ(PluginRegistry::get().find(1020892)->icon.GetFile().GetString(), String("LightTag.tif"));
@@ -114,6 +115,15 @@ TEST_F(InstalledPlugin, StartsWithItsLinesRegistrationsAndPreviewScenes)
 	EXPECT_EQ(PluginRegistry::get().find(1020896)->priority, 100);
 	EXPECT_EQ(PluginRegistry::get().find(1022283)->name, String());
 	EXPECT_EQ(PluginRegistry::get().find(1022283)->help, String("#$3 --"));
+	const PluginRecord* convert = PluginRegistry::get().find(1021852);
+	EXPECT_EQ(convert->name, String("Convert Materials to Velorn"));
+	EXPECT_EQ(convert->help, String("Convert Materials"));
+	EXPECT_EQ(convert->icon.GetFile().GetString(), String("ConvertMats.tif"));
+	EXPECT_EQ(convert->info, 0);
+	const PluginRecord* newMaterial = PluginRegistry::get().find(1024454);
+	EXPECT_EQ(newMaterial->help, String("New Velorn Material"));
+	EXPECT_EQ(newMaterial->icon.GetFile().GetString(), String("materialhelper.tif"));
+	EXPECT_EQ(newMaterial->info, 0x10000000);
 
 	const std::vector<PreviewScene> scenes = PreviewScenes::get().of(1024337);
 	ASSERT_EQ(scenes.size(), 1u);
@@ -152,7 +162,8 @@ TEST_F(InstalledPlugin, MissingNameSkipsItsPluginAndBadPreviewSceneIsReported)
 	ASSERT_EQ(modules.start(Filename(String(dir.path().c_str()))), 1);
 
 	EXPECT_EQ(PluginRegistry::get().ids(),
-		(std::vector<int32_t>{1020892, 1021223, 1022667, 1029978, 1020894, 1020896, 1022283}));
+		(std::vector<int32_t>{1020892, 1021223, 1022667, 1029978, 1020894, 1021852, 1024454, 1020896, 1022283,
+			1024337}));
 	const Lines lines = printed();
 	ASSERT_GE(lines.size(), 4u);
 	EXPECT_EQ(lines[3], "Failed loading preview scene: broken.json");

@@ -19,6 +19,10 @@ bool NodeData::Message(GeListNode*, int32_t, void*)
 
 bool NodeData::GetDDescription(GeListNode* node, Description* description, int32_t& flags)
 {
+	// A plug-in that built its description itself sets the flag before it
+	// calls the base, which then leaves the description as it is.
+	if(flags & DESCFLAGS_DESC_LOADED)
+		return true;
 	if(!description->LoadDescription(node->GetType()))
 		return false;
 	flags |= DESCFLAGS_DESC_LOADED;

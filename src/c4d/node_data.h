@@ -27,7 +27,7 @@ public:
 
 	// What the attribute manager shows of the node. The default loads the
 	// description of the node's type and sets DESCFLAGS_DESC_LOADED in
-	// flags; false when it cannot be loaded.
+	// flags, unless the flag is set already; false when it cannot be loaded.
 	virtual bool GetDDescription(GeListNode* node, Description* description, int32_t& flags);
 	// A parameter read; the plug-in sets DESCFLAGS_GET_PARAM_GET in flags
 	// when it filled t_data itself, otherwise the host reads the container.

@@ -1,15 +1,11 @@
 #include "cli/export_command.h"
 
-#include "c4d/base_document.h"
-#include "c4d/console.h"
-#include "c4d/document_file.h"
-#include "c4d/plugin_modules.h"
+#include "cli/host_session.h"
 #include "export/export_settings.h"
 #include "export/scene_exporter.h"
 #include "support/exceptions.h"
 #include "support/file_utils.h"
 
-#include <memory>
 
 namespace ExportCommand
 {
@@ -19,12 +15,6 @@ namespace
 // Whether the export builds meshes with shared vertices, as the video post
 // says (on when the document has none).
 const int32_t MERGE_VERTICES = 1431;
-
-struct FreeDocument
-{
-	void operator()(BaseDocument* doc) const { BaseDocument::Free(doc); }
-};
-using DocumentPtr = std::unique_ptr<BaseDocument, FreeDocument>;
 
 std::string scenePath(const Options& options, const BaseDocument& doc)
 {
@@ -78,21 +68,13 @@ std::string exportFrame(BaseDocument& doc, const Options& options)
 
 std::string run(const Options& options)
 {
-	HostConsole::get().clear();
-	PluginModules modules;
-	if(modules.start(Filename(String(options.plugins))) == 0)
-		throw Velorn::FileUtilsExcep("No plug-in module started from '" + options.plugins + "'.");
-	// The document holds nodes of the plug-in: it goes before the modules end.
-	const DocumentPtr doc(LoadDocumentFile(Filename(String(options.document))));
-	return exportFrame(*doc, options);
+	const HostSession session(options.plugins, options.document);
+	return exportFrame(session.document(), options);
 }
 
 std::string consoleText()
 {
-	std::string text;
-	for(const String& line : HostConsole::get().texts(HostConsole::Kind::Print))
-		text += line.GetStdString() + "\n";
-	return text;
+	return HostSession::consoleText();
 }
 
 } // namespace ExportCommand

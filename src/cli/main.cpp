@@ -1,5 +1,6 @@
 // The velorn command: scene and mesh tools of the Velorn scene library.
 
+#include "cli/document_commands.h"
 #include "cli/export_command.h"
 #include "cli/mesh_commands.h"
 #include "cli/sample_scene.h"
@@ -10,6 +11,8 @@
 
 #include <functional>
 #include <iostream>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -93,7 +96,38 @@ int main(int argc, char** argv)
 		exporter->add_option("--frame", frame, "Frame to export (default: the document's current frame)");
 	exporter->add_option("--plugins", export_options.plugins, "The host's plug-in directory")->capture_default_str();
 
+	DocumentCommands::CommandOptions command_options;
+	command_options.plugins = VELORN_PLUGIN_DIR;
+	std::vector<std::string> answers;
+	CLI::App* command = app.add_subcommand("command",
+		"Load a host document, run one of the plug-in's commands on it as a menu click would (such as "
+		"\"Convert Materials\" or \"New Velorn Material\"), print the questions it asked, its undo entries and "
+		"console, and save the changed document.");
+	command->add_option("DOCUMENT", command_options.document, "Document file")->required();
+	command->add_option("COMMAND", command_options.command, "The command's id, name or help text")->required();
+	command->add_option("-o,--out", command_options.out, "Document file to save the result to (default: not saved)");
+	command->add_option("--answer", answers, "The button pressed in each question box, in order: yes or no")
+		->check(CLI::IsMember({"yes", "no"}));
+	command->add_option("--plugins", command_options.plugins, "The host's plug-in directory")->capture_default_str();
+
+	std::string describe_document, describe_node, describe_plugins = VELORN_PLUGIN_DIR;
+	CLI::App* describe = app.add_subcommand("describe",
+		"Load a host document and print what the attribute manager shows of one material, object, tag or "
+		"shader: its visible groups and parameters with their ids and values, and which are disabled.");
+	describe->add_option("DOCUMENT", describe_document, "Document file")->required();
+	describe->add_option("NODE", describe_node, "The name of the node")->required();
+	describe->add_option("--plugins", describe_plugins, "The host's plug-in directory")->capture_default_str();
+
 	CLI11_PARSE(app, argc, argv);
+
+	if(command->parsed())
+	{
+		for(const std::string& answer : answers)
+			command_options.answers.push_back(answer == "yes");
+		return run([&] { return DocumentCommands::runCommand(command_options); });
+	}
+	if(describe->parsed())
+		return run([&] { return DocumentCommands::describe(describe_plugins, describe_document, describe_node); });
 
 	if(exporter->parsed())
 	{

@@ -114,19 +114,6 @@ String sceneFileName(const String& base_name, int32_t frame, int32_t is_animatio
 	return name + suffix;
 }
 
-BaseContainer* findVideoPostContainer(BaseDocument* doc)
-{
-	RenderData* render_data = doc ? doc->GetActiveRenderData() : nullptr;
-	if(!render_data)
-		return nullptr;
-	for(BaseVideoPost* post = render_data->GetFirstVideoPost(); post; post = post->GetNext())
-	{
-		if(post->GetType() == ID_VIDEO_POST && !(post->GetInfo() & VIDEOPOST_DISABLED))
-			return post->GetDataInstance();
-	}
-	return nullptr;
-}
-
 int32_t ExportSettings::lightLayer(int32_t host_layer)
 {
 	const auto found = layers.find(host_layer);

@@ -2,6 +2,7 @@
 
 #include "c4d/base_document.h"
 #include "c4d/filename.h"
+#include "host/video_post_lookup.h"
 
 #include "scene/uid.h"
 
@@ -81,7 +82,3 @@ private:
 // number in six digits for an animation, then the suffix (".vls" for a
 // scene, empty for images).
 String sceneFileName(const String& base_name, int32_t frame, int32_t is_animation, const String& suffix);
-
-// The parameters of the first enabled video post of the renderer in the
-// document's active render data; null if there is none.
-BaseContainer* findVideoPostContainer(BaseDocument* doc);

@@ -10,6 +10,9 @@
 #include "host/plugin_ids.h"
 #include "host/plugin_version.h"
 #include "host/registration.h"
+#include "materials/material_plugin.h"
+#include "materials/convert_command.h"
+#include "materials/new_material_command.h"
 #include "render/video_post.h"
 #include "support/file_utils.h"
 #include "support/platform.h"
@@ -53,8 +56,11 @@ bool registerPlugins()
 		RegisterSubdivisionTag,
 		RegisterCompositingTag,
 		RegisterAboutCommand,
+		RegisterConvertMaterialsCommand,
+		RegisterNewMaterialCommand,
 		RegisterVelornVideoPost,
 		RegisterPlaceholderCommand,
+		RegisterVelornMaterial,
 	};
 	for(auto registration : registrations)
 		if(!registration())

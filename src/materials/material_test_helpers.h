@@ -1,0 +1,59 @@
+#pragma once
+
+#include "c4d/base_document.h"
+#include "c4d/base_material.h"
+#include "c4d/description.h"
+#include "c4d/messages.h"
+#include "c4d/plugin_registry.h"
+#include "c4d/resources.h"
+#include "host/plugin_ids.h"
+#include "materials/material_ids.h"
+#include "materials/material_plugin.h"
+#include "support/test_files.h"
+
+#include <gtest/gtest.h>
+
+// A document with the plug-in's material registered and the module's
+// resources (strings and description files) read from the source tree.
+class MaterialTest : public testing::Test
+{
+protected:
+	void SetUp() override
+	{
+		PluginRegistry::get().clear();
+		ASSERT_TRUE(HostResources::get().init(Filename(String(VelornTest::testDataPath("../src/host")))))
+			<< HostResources::get().error().GetStdString();
+		ASSERT_TRUE(RegisterVelornMaterial());
+		doc = BaseDocument::Alloc();
+	}
+
+	void TearDown() override
+	{
+		BaseDocument::Free(doc);
+		PluginRegistry::get().clear();
+		HostResources::get().clear();
+	}
+
+	// A new material of the kind, last in the document, with the kind's
+	// switches as the kind switch rule sets them.
+	BaseMaterial* newMaterial(int32_t kind = MAT_TYPE_DIFFUSE, const char* name = "")
+	{
+		BaseMaterial* mat = BaseMaterial::Alloc(ID_VELORN_MATERIAL);
+		EXPECT_NE(mat, nullptr);
+		mat->SetName(String(name));
+		BaseMaterial* last = doc->GetFirstMaterial();
+		while(last && last->GetNext())
+			last = last->GetNext();
+		doc->InsertMaterial(mat, last);
+		if(kind != MAT_TYPE_DIFFUSE)
+		{
+			mat->SetParameter(DescID(MAT_TYPE), GeData(kind));
+			mat->Message(MSG_DESCRIPTION_VALIDATE);
+		}
+		return mat;
+	}
+
+	static VelornMaterial* plugin(BaseMaterial* mat) { return static_cast<VelornMaterial*>(mat->GetNodeData()); }
+
+	BaseDocument* doc = nullptr;
+};
