@@ -193,14 +193,15 @@ bool BaseList2D::GetDescription(Description* description, int32_t flags)
 	return description->LoadDescription(GetType());
 }
 
-bool BaseList2D::IsParameterEnabled(const DescID& id)
+bool BaseList2D::IsParameterEnabled(const DescID& id, const Description* description)
 {
 	if(!nodeData)
 		return true;
-	Description description;
-	const BaseContainer* itemdesc = nullptr;
-	if(GetDescription(&description))
-		itemdesc = description.GetParameterI(id);
+	Description own;
+	if(!description && GetDescription(&own))
+		description = &own;
+	const DescriptionEntry* entry = description ? description->find(id) : nullptr;
+	const BaseContainer* itemdesc = entry ? &entry->settings : nullptr;
 	GeData value;
 	GetParameter(id, value);
 	return nodeData->GetDEnabling(this, id, value, DESCFLAGS_ENABLE_NONE, itemdesc);

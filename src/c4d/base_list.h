@@ -188,9 +188,11 @@ public:
 	// host's own nodes. False when it cannot be had.
 	bool GetDescription(Description* description, int32_t flags = 0);
 	// Whether the attribute manager lets the user edit the parameter now
-	// (the plug-in's GetDEnabling, given the value and its description
-	// settings); true for nodes without a plug-in.
-	bool IsParameterEnabled(const DescID& id);
+	// (the plug-in's GetDEnabling, given the value and its settings in
+	// description); true for nodes without a plug-in. Without a description
+	// the node's own is built for the call, so a caller that asks for many
+	// parameters passes the one it built.
+	bool IsParameterEnabled(const DescID& id, const Description* description = nullptr);
 	// Sends a message to the node's plug-in; true for nodes without one.
 	bool Message(int32_t type, void* data = nullptr);
 

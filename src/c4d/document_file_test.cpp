@@ -364,6 +364,21 @@ TEST(DocumentFile, SavedAndLoadedAgainIsTheSame)
 	EXPECT_EQ(WriteDocumentText(*again), saved);
 }
 
+TEST(DocumentFile, MaterialLinksFindTheirOwnShadersFirst)
+{
+	// A copy's shaders carry the names of the original's.
+	const DocPtr doc = loadExample();
+	BaseMaterial* original = doc->GetFirstMaterial();
+	BaseMaterial* copy = original->GetClone();
+	doc->InsertMaterial(copy, original);
+	const DocPtr again = read(WriteDocumentText(*doc));
+	const BaseMaterial* reloadedCopy = again->GetFirstMaterial()->GetNext();
+	const BaseShader* linked = static_cast<const BaseShader*>(reloadedCopy->GetDataInstance()->GetLink(MATERIAL_COLOR_SHADER));
+	ASSERT_NE(linked, nullptr);
+	EXPECT_EQ(linked->GetDocument(), again.get());
+	EXPECT_EQ(linked, reloadedCopy->GetFirstShader()->GetNext());
+}
+
 TEST(DocumentFile, WrittenText)
 {
 	// The unit is the host's preference, which earlier documents may have set.

@@ -48,7 +48,11 @@ public:
 			readObjects(*doc, *objects, "objects", nullptr, &objectNames);
 		readRender(*doc->GetActiveRenderData(), root);
 		for(const Pending& p : pending)
+		{
+			scope = p.scope;
 			readParams(*p.node->GetDataInstance(), *p.params, p.place);
+		}
+		scope = nullptr;
 		readSettings(*doc, root);
 		return doc.release();
 	}
@@ -60,6 +64,8 @@ private:
 		BaseList2D* node;
 		const Json* params;
 		std::string place;
+		// The shaders of the material the node belongs to, for its links.
+		const std::map<std::string, BaseList2D*>* scope;
 	};
 	using Names = std::map<std::string, BaseList2D*>;
 
@@ -72,15 +78,16 @@ private:
 	}
 
 	// The steps every node takes right after it is allocated.
-	// names, when given, is where links and references find the node.
-	void begin(BaseList2D& node, const Json& j, const std::string& place, Names* names)
+	// names, when given, is where links and references find the node;
+	// scope, when given, the shaders its links look at first.
+	void begin(BaseList2D& node, const Json& j, const std::string& place, Names* names, const Names* scope = nullptr)
 	{
 		if(const Json* name = find(j, "name"))
 			node.SetName(String(text(*name, member(place, "name"))));
 		if(names && node.GetName().Content())
 			names->emplace(node.GetName().GetStdString(), &node);
 		if(const Json* params = find(j, "params"))
-			pending.push_back({&node, &array(*params, member(place, "params")), member(place, "params")});
+			pending.push_back({&node, &array(*params, member(place, "params")), member(place, "params"), scope});
 	}
 
 	// A new node of the type the element names, with its defaults; an
@@ -128,20 +135,24 @@ private:
 			checkKeys(j, place, {"type", "name", "layer", "active", "params", "shaders"});
 			BaseMaterial* mat = allocate<BaseMaterial>(j, place, "material");
 			doc.InsertMaterial(mat, pred);
-			begin(*mat, j, place, &materialNames);
+			// A material's links and those of its shaders find its own
+			// shaders first, so that two materials may hold shaders of
+			// the same name (a copy and its original, say).
+			Names& own = materialShaders[mat];
+			begin(*mat, j, place, &materialNames, &own);
 			if(const Json* layer = find(j, "layer"))
 				mat->SetLayerObject(static_cast<LayerObject*>(lookUp(layerNames, "layer", *layer, member(place, "layer"))));
 			if(const Json* active = find(j, "active"); active && boolean(*active, member(place, "active")))
 				mat->SetBit(BIT_ACTIVE);
 			if(const Json* shaders = find(j, "shaders"))
-				readShaders(*mat, *shaders, member(place, "shaders"));
+				readShaders(*mat, *shaders, member(place, "shaders"), own);
 			pred = mat;
 		}
 	}
 
 	// The shaders of a material, or the children of a shader, which are the
 	// shaders it owns.
-	void readShaders(BaseList2D& owner, const Json& list, const std::string& place)
+	void readShaders(BaseList2D& owner, const Json& list, const std::string& place, Names& own)
 	{
 		BaseShader* pred = nullptr;
 		for(size_t i = 0; i < array(list, place).size(); ++i)
@@ -151,9 +162,11 @@ private:
 			checkKeys(j, at, {"type", "name", "params", "children"});
 			BaseShader* sh = allocate<BaseShader>(j, at, "shader");
 			owner.InsertShader(sh, pred);
-			begin(*sh, j, at, &shaderNames);
+			begin(*sh, j, at, &shaderNames, &own);
+			if(sh->GetName().Content())
+				own.emplace(sh->GetName().GetStdString(), sh);
 			if(const Json* children = find(j, "children"))
-				readShaders(*sh, *children, member(at, "children"));
+				readShaders(*sh, *children, member(at, "children"), own);
 			pred = sh;
 		}
 	}
@@ -483,13 +496,15 @@ private:
 		return found->second;
 	}
 
-	// Objects first, then materials, shaders and layers, as the first of the name.
+	// The shaders of the node's own material first, then objects,
+	// materials, shaders and layers, as the first of the name.
 	BaseList2D* linkTarget(const Json& j, const std::string& place) const
 	{
 		if(j.is_null())
 			return nullptr;
 		const std::string name = text(j, place);
-		for(const Names* names : {&objectNames, &materialNames, &shaderNames, &layerNames})
+		static const Names none;
+		for(const Names* names : {scope ? scope : &none, &objectNames, &materialNames, &shaderNames, &layerNames})
 		{
 			const auto found = names->find(name);
 			if(found != names->end())
@@ -562,6 +577,9 @@ private:
 
 	std::vector<Pending> pending;
 	Names objectNames, materialNames, shaderNames, layerNames;
+	std::map<const BaseMaterial*, Names> materialShaders;
+	// The scope of the node whose parameters are being read.
+	const Names* scope = nullptr;
 };
 
 } // namespace

@@ -60,15 +60,18 @@ std::string nameOf(const BaseList2D* node)
 	return node ? "'" + node->GetName().GetStdString() + "'" : std::string("none");
 }
 
-// A value as the attribute manager shows it; a cycle shows its label.
-std::string valueText(const GeData& value, const BaseContainer& settings)
+// A value as the attribute manager shows it: a switch as on or off, a cycle
+// with its label.
+std::string valueText(const GeData& value, const DescriptionEntry& entry)
 {
 	switch(value.GetType())
 	{
 	case DA_LONG:
 	{
 		const int32_t v = value.GetInt32();
-		const BaseContainer cycle = settings.GetContainer(DESC_CYCLE);
+		if(entry.dtype == DTYPE_BOOL)
+			return v ? "on" : "off";
+		const BaseContainer cycle = entry.settings.GetContainer(DESC_CYCLE);
 		const GeData* label = cycle.GetDataPointer(v);
 		return std::to_string(v) + (label ? " (" + label->GetString().GetStdString() + ")" : std::string());
 	}
@@ -153,8 +156,8 @@ std::string descriptionText(BaseList2D& node, const Description& description)
 		}
 		GeData value;
 		node.GetParameter(entry.id, value);
-		text += indent + name + " [" + std::to_string(id) + "] = " + valueText(value, entry.settings) +
-			(node.IsParameterEnabled(entry.id) ? "" : " (disabled)") + "\n";
+		text += indent + name + " [" + std::to_string(id) + "] = " + valueText(value, entry) +
+			(node.IsParameterEnabled(entry.id, &description) ? "" : " (disabled)") + "\n";
 	}
 	return text;
 }
