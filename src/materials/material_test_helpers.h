@@ -41,16 +41,21 @@ protected:
 		BaseMaterial* mat = BaseMaterial::Alloc(ID_VELORN_MATERIAL);
 		EXPECT_NE(mat, nullptr);
 		mat->SetName(String(name));
-		BaseMaterial* last = doc->GetFirstMaterial();
-		while(last && last->GetNext())
-			last = last->GetNext();
-		doc->InsertMaterial(mat, last);
+		doc->InsertMaterial(mat, lastMaterial());
 		if(kind != MAT_TYPE_DIFFUSE)
 		{
 			mat->SetParameter(DescID(MAT_TYPE), GeData(kind));
 			mat->Message(MSG_DESCRIPTION_VALIDATE);
 		}
 		return mat;
+	}
+
+	BaseMaterial* lastMaterial() const
+	{
+		BaseMaterial* last = doc->GetFirstMaterial();
+		while(last && last->GetNext())
+			last = last->GetNext();
+		return last;
 	}
 
 	static VelornMaterial* plugin(BaseMaterial* mat) { return static_cast<VelornMaterial*>(mat->GetNodeData()); }
