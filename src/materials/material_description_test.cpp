@@ -79,6 +79,9 @@ TEST_F(MaterialDescriptionTest, EachKindShowsItsSwitchesAndPages)
 			{6302, 6308, 6309, 6312, 6320, 6017, 6018, 6019}},
 		{6301, {6002, 6005, 6292, 6006, 6007, 6311, 6315, 6313, 6316, 6317, 6318, 6319},
 			{6312, 6320, 6314, 6321, 6322, 6323, 6324, 6017, 6018, 6019}},
+		// No kind: the switches of every kind show, the pages follow the
+		// switches a new material has.
+		{7777, {6002, 6005, 6292, 6006, 6007}, {6015, 6017, 6018, 6019}},
 	};
 	for(const auto& k : kinds)
 	{

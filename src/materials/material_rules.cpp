@@ -190,20 +190,6 @@ bool reaches(BaseList2D* mat, const BaseList2D* target, const BaseDocument* doc,
 
 } // namespace
 
-const std::vector<int32_t>& materialKinds()
-{
-	static const std::vector<int32_t> kinds = {MAT_TYPE_DIFFUSE, MAT_TYPE_OREN_NAYAR, MAT_TYPE_PHONG,
-		MAT_TYPE_DIFFUSE_TRANSMITTER, MAT_TYPE_SPECULAR, MAT_TYPE_BLEND, MAT_TYPE_GLOSSY_TRANSPARENT, MAT_TYPE_NULL,
-		MAT_TYPE_COATING, MAT_TYPE_DOUBLE_SIDED_THIN};
-	return kinds;
-}
-
-bool isMaterialKind(int32_t kind)
-{
-	const std::vector<int32_t>& kinds = materialKinds();
-	return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
-}
-
 bool applyKindSwitchRule(BaseContainer& data, int32_t kind)
 {
 	const KindSwitches* row = nullptr;
@@ -229,8 +215,9 @@ bool isSwitchShown(int32_t switch_id, int32_t kind)
 	{
 		if(!contains(entry.switches, switch_id))
 			continue;
+		// "Every kind" holds for a value no kind has as well.
 		if(entry.kinds.size() == 0)
-			return isMaterialKind(kind) && !contains(entry.except, kind);
+			return !contains(entry.except, kind);
 		return contains(entry.kinds, kind);
 	}
 	return true;

@@ -13,10 +13,6 @@
 // materials a material uses. The material plug-in, the import and the
 // conversion share them.
 
-// The ten material kinds, in the order of the kind cycle.
-const std::vector<int32_t>& materialKinds();
-bool isMaterialKind(int32_t kind);
-
 // The kind switch rule: overwrites the channel switches of data with the
 // default page set of kind; switches that the kind leaves alone keep their
 // value. An unknown kind changes nothing and gives false.
