@@ -87,8 +87,9 @@ public:
 			shaderOf(MATERIAL_ALPHA_SHADER))
 		{
 			dst.SetBool(MAT_USE_ALPHA, true);
-			// A hard alpha is the inverted texture: 1 - t. The scale terms
-			// are longs, as the material's own Init never stores them.
+			// A hard alpha is the inverted texture: 1 - t. The two terms are
+			// stored as longs, not as the reals Init gives them; readers
+			// convert.
 			if(!src.GetBool(MATERIAL_ALPHA_SOFT))
 			{
 				dst.SetInt32(MAT_ALPHA_B, -1);
