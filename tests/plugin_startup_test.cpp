@@ -107,7 +107,9 @@ TEST_F(InstalledPlugin, StartsWithItsLinesRegistrationsAndPreviewScenes)
 	// The plug-ins that exist, in the order of the registration table.
 	EXPECT_EQ(PluginRegistry::get().ids(),
 		(std::vector<int32_t>{1020892, 1021223, 1022083, 1022667, 1029978, 1020894, 1021852, 1024454, 1020896,
-			1022283, 1024337}));
+			1022283, 1023863, 1024337, 1024768, 1024769, 1024770, 1029836}));
+	EXPECT_EQ(PluginRegistry::get().find(1023863)->name, String("Velorn VSL Shader"));
+	EXPECT_EQ(PluginRegistry::get().find(1024770)->description, String("xvslgradient"));
 	EXPECT_EQ(PluginRegistry::get().find(1022083)->name, String("Velorn Camera Tag"));
 	EXPECT_EQ(PluginRegistry::get().find(1029978)->description, String("TVelornCompositing"));
 	EXPECT_EQ(PluginRegistry::get().find(1020892)->icon.GetFile().GetString(), String("LightTag.tif"));
@@ -163,7 +165,7 @@ TEST_F(InstalledPlugin, MissingNameSkipsItsPluginAndBadPreviewSceneIsReported)
 
 	EXPECT_EQ(PluginRegistry::get().ids(),
 		(std::vector<int32_t>{1020892, 1021223, 1022667, 1029978, 1020894, 1021852, 1024454, 1020896, 1022283,
-			1024337}));
+			1023863, 1024337, 1024768, 1024769, 1024770, 1029836}));
 	const Lines lines = printed();
 	ASSERT_GE(lines.size(), 4u);
 	EXPECT_EQ(lines[3], "Failed loading preview scene: broken.json");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "c4d/base_list.h"
+#include "c4d/channel_data.h"
 
 // The host's own shader types that documents and the plug-in use.
 enum
@@ -38,6 +39,18 @@ public:
 	// BaseMaterial::GetClone.
 	BaseShader* GetClone() const;
 
+	// The render calls as the host makes them: a plug-in shader answers
+	// through its ShaderData; the host's colour shader gives its colour,
+	// the host's bitmap shader black until image sampling comes.
+	INITRENDERRESULT InitRender(const InitRenderStruct& irs);
+	void FreeRender();
+	Vector Sample(ChannelData* cd);
+	// The SHADERINFO_ bits of a plug-in shader; 0 for the host's own.
+	int32_t GetRenderInfo();
+
 protected:
+	// The plug-in's data when it is a shader plug-in's; null otherwise.
+	ShaderData* shaderData() const;
+
 	bool ownsShadersAsChildren() const override { return true; }
 };

@@ -1,3 +1,4 @@
+#include "c4d/base_document.h"
 #include "c4d/base_material.h"
 #include "c4d/base_shader.h"
 #include "c4d/plugin_registry.h"
@@ -79,5 +80,82 @@ TEST(BaseShader, TypesOwnersAndFreeingOrder)
 	// owner still holds them, and its own data last.
 	BaseMaterial::Free(mat);
 	EXPECT_EQ(freed, (std::vector<std::string>{"Inner owned", "A owned", "B owned", "Material"}));
+	PluginRegistry::get().clear();
+}
+
+namespace
+{
+
+// Counts the render calls the host passes on, and answers Output with the
+// sample's coordinates times the document's presence.
+class Sampling : public ShaderData
+{
+public:
+	static NodeData* Alloc() { return new Sampling(); }
+
+	INITRENDERRESULT InitRender(BaseShader*, const InitRenderStruct& irs) override
+	{
+		calls.push_back(irs.doc ? "init with document" : "init");
+		return INITRENDERRESULT_ASSETMISSING;
+	}
+	void FreeRender(BaseShader*) override { calls.push_back("free"); }
+	Vector Output(BaseShader*, ChannelData* cd) override
+	{
+		calls.push_back(cd->vd ? "output with point" : "output");
+		return cd->p * 2;
+	}
+	int32_t GetRenderInfo(BaseShader*) override { return 16; }
+
+	static std::vector<std::string> calls;
+};
+
+std::vector<std::string> Sampling::calls;
+
+} // namespace
+
+TEST(BaseShader, RenderCallsGoToThePluginOrTheHostShader)
+{
+	PluginRegistry::get().clear();
+	const int32_t id = 1024770;
+	ASSERT_TRUE(RegisterShaderPlugin(id, String("Sampling"), 0, Sampling::Alloc, String(), 0));
+	Sampling::calls.clear();
+
+	BaseShader* plugin = BaseShader::Alloc(id);
+	BaseDocument* doc = BaseDocument::Alloc();
+	EXPECT_EQ(plugin->InitRender(InitRenderStruct(doc)), INITRENDERRESULT_ASSETMISSING);
+	ChannelData cd;
+	cd.p = Vector(0.25, 0.5, 1);
+	EXPECT_EQ(plugin->Sample(&cd), Vector(0.5, 1, 2));
+	VolumeData vd;
+	cd.vd = &vd;
+	plugin->Sample(&cd);
+	plugin->FreeRender();
+	EXPECT_EQ(plugin->GetRenderInfo(), 16);
+	EXPECT_EQ(Sampling::calls,
+		(std::vector<std::string>{"init with document", "output", "output with point", "free"}));
+
+	// The host's colour shader gives its colour wherever it is sampled;
+	// the bitmap shader answers black until images can be sampled.
+	BaseShader* colour = BaseShader::Alloc(Xcolor);
+	colour->GetDataInstance()->SetVector(COLORSHADER_COLOR, Vector(0.1, 0.2, 0.3));
+	EXPECT_EQ(colour->InitRender(InitRenderStruct()), INITRENDERRESULT_OK);
+	EXPECT_EQ(colour->Sample(&cd), Vector(0.1, 0.2, 0.3));
+	EXPECT_EQ(colour->GetRenderInfo(), 0);
+	colour->FreeRender();
+	BaseShader* bitmap = BaseShader::Alloc(Xbitmap);
+	EXPECT_EQ(bitmap->Sample(&cd), Vector(0, 0, 0));
+
+	// A plug-in without render calls of its own: success and black.
+	ASSERT_TRUE(RegisterShaderPlugin(1024768, String("Plain"), 0, []() -> NodeData* { return new ShaderData(); },
+		String(), 0));
+	BaseShader* plain = BaseShader::Alloc(1024768);
+	EXPECT_EQ(plain->InitRender(InitRenderStruct()), INITRENDERRESULT_OK);
+	EXPECT_EQ(plain->Sample(&cd), Vector(0, 0, 0));
+
+	BaseShader::Free(plain);
+	BaseShader::Free(bitmap);
+	BaseShader::Free(colour);
+	BaseShader::Free(plugin);
+	BaseDocument::Free(doc);
 	PluginRegistry::get().clear();
 }

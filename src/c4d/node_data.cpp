@@ -44,6 +44,25 @@ bool NodeData::GetDEnabling(GeListNode*, const DescID&, const GeData&, int32_t, 
 	return true;
 }
 
+int32_t ShaderData::GetRenderInfo(BaseShader*)
+{
+	return 0;
+}
+
+INITRENDERRESULT ShaderData::InitRender(BaseShader*, const InitRenderStruct&)
+{
+	return INITRENDERRESULT_OK;
+}
+
+void ShaderData::FreeRender(BaseShader*)
+{
+}
+
+Vector ShaderData::Output(BaseShader*, ChannelData*)
+{
+	return Vector();
+}
+
 int32_t MaterialData::GetRenderInfo(BaseMaterial*)
 {
 	return 0;

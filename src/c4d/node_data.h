@@ -1,8 +1,11 @@
 #pragma once
 
+#include "c4d/channel_data.h"
+
 #include <cstdint>
 
 class BaseContainer;
+class BaseShader;
 class BaseDocument;
 class BaseMaterial;
 class DescID;
@@ -57,8 +60,19 @@ class VideoPostData : public NodeData
 {
 };
 
+// A shader plug-in. Between InitRender and FreeRender the host may call
+// Output from all of its render threads at once, so Output only reads what
+// InitRender stored.
 class ShaderData : public NodeData
 {
+public:
+	// The SHADERINFO_ bits of the shader; 0 by default.
+	virtual int32_t GetRenderInfo(BaseShader* sh);
+	// Prepares the shader for sampling; INITRENDERRESULT_OK by default.
+	virtual INITRENDERRESULT InitRender(BaseShader* sh, const InitRenderStruct& irs);
+	virtual void FreeRender(BaseShader* sh);
+	// The colour at the sample point; black by default.
+	virtual Vector Output(BaseShader* sh, ChannelData* cd);
 };
 
 // Bits of MaterialData::GetRenderInfo: what the material asks of the host's renderer.

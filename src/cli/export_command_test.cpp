@@ -44,9 +44,10 @@ TEST(ExportCommand, BundledExampleExportsToACheckedScene)
 	EXPECT_TRUE(contains(text, "data/camera_response_functions/Portra-100TCD.txt")) << text;
 	// Primitives, the model, the instance, the area light and the moving
 	// ball all arrive: five meshes (the instance shares the crate's), six
-	// models, one sphere; the meshes lie beside the scene.
+	// models, one sphere; the meshes lie beside the scene. The crate's host
+	// material and the ball's plug-in material join the driver's three.
 	EXPECT_EQ(Velorn::SceneCommands::check(scene),
-		scene + ": 20 nodes: 1 Camera, 1 Render Settings, 3 Material, 5 Mesh, 6 Object, 1 Sphere, 1 Tone Mapping, 1 "
+		scene + ": 22 nodes: 1 Camera, 1 Render Settings, 5 Material, 5 Mesh, 6 Object, 1 Sphere, 1 Tone Mapping, 1 "
 				"Background Settings, 1 Metadata");
 	EXPECT_TRUE(contains(console, "Instances exported: 1\n")) << console;
 	EXPECT_TRUE(contains(console, "SceneExportObjectMotionBlurSG()\n")) << console;

@@ -1,10 +1,24 @@
 #include "host/plugin_ids.h"
 #include "export/scene_exporter.h"
+#include "export/material_hooks.h"
 
 #include "scene/materials_basic.h"
 #include "scene/materials_other.h"
 #include "scene/scene_node_background_settings.h"
 #include "scene/wavelength_values.h"
+
+namespace
+{
+
+enum
+{
+	// The render settings' link to the environment material.
+	vp_environment_material = 1384,
+	// The plug-in material's emission switch.
+	mat_use_emission = 6007,
+};
+
+} // namespace
 
 bool SceneExporter::exportBackground()
 {
@@ -26,7 +40,7 @@ bool SceneExporter::exportBackground()
 		exportSunSky(*node, *vp);
 		return true;
 	case vp_background_environment:
-		return false;
+		return exportEnvironment(*node, *vp);
 	default:
 		return true;
 	}
@@ -60,4 +74,21 @@ void SceneExporter::exportSunSky(Velorn::SceneNodeBackgroundSettings& node, cons
 	}
 	sunsky->model = vp.GetBool(vp_sky_model_captured) ? "captured-simulation" : "original";
 	node.background_material = sunsky;
+}
+
+// The environment is an emitting material of the plug-in, linked from the
+// render settings. Anything else leaves the background without material.
+bool SceneExporter::exportEnvironment(Velorn::SceneNodeBackgroundSettings& node, const BaseContainer& vp)
+{
+	BaseMaterial* material = dynamic_cast<BaseMaterial*>(vp.GetLink(vp_environment_material));
+	const MaterialExportHooks* hooks = GetMaterialExportHooks();
+	if(!material || material->GetType() != ID_VELORN_MATERIAL || !hooks || !hooks->exportBackgroundMaterial ||
+		!material->GetDataInstance()->GetBool(mat_use_emission))
+		return false;
+	Velorn::Reference<Velorn::Material> background = hooks->exportBackgroundMaterial(material, *root, *settings);
+	if(background.isNull())
+		return false;
+	node.background_material = background;
+	node.emission_scale = materialEmissionScale(*material);
+	return true;
 }

@@ -1,7 +1,6 @@
 #include "export/export_settings.h"
 
 #include "c4d/base_draw.h"
-#include "c4d/world_preferences.h"
 #include "host/plugin_ids.h"
 
 #include "support/exceptions.h"
@@ -13,22 +12,6 @@
 
 namespace
 {
-
-// Metres per unit of the unit numbers that the host's preference uses.
-float preferenceUnitScale(int32_t unit)
-{
-	switch(unit)
-	{
-	case DOCUMENT_UNIT_KM:
-		return 1000.0f;
-	case DOCUMENT_UNIT_CM:
-		return 0.01f;
-	case DOCUMENT_UNIT_MM:
-		return 0.001f;
-	default:
-		return 1.0f;
-	}
-}
 
 // As the host's directory call: a failure is no error here, the texture
 // copies that need the directory fail on their own.
@@ -85,21 +68,7 @@ void ExportSettings::fetchCamera()
 
 float ExportSettings::unitScale() const
 {
-	if(!video_post_container)
-		return preferenceUnitScale(GetWorldContainerInstance()->GetInt32(WPREF_UNITS));
-	switch(video_post_container->GetInt32(vp_unit, vp_unit_cm))
-	{
-	case vp_unit_km:
-		return 1000.0f;
-	case vp_unit_cm:
-		return 0.01f;
-	case vp_unit_mm:
-		return 0.001f;
-	case vp_unit_custom:
-		return (float)video_post_container->GetFloat(vp_custom_scale);
-	default:
-		return 1.0f;
-	}
+	return sceneUnitScale(video_post_container);
 }
 
 String sceneFileName(const String& base_name, int32_t frame, int32_t is_animation, const String& suffix)

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <vector>
 
 // What one export of one frame is to do and where, built once per frame and
@@ -60,6 +61,9 @@ struct ExportSettings
 	std::vector<Filename>* temp_files = nullptr;
 	std::map<BaseMaterial*, Velorn::UID> material_map;
 	std::map<BaseMaterial*, Velorn::UID> medium_map;
+	// The materials whose nodes are being built, innermost last: a link to
+	// one of them is a cycle, which a scene cannot hold.
+	std::set<BaseMaterial*> materials_in_progress;
 	// The object the active view renders through, its parameters, and those
 	// of its camera tag when it has one.
 	BaseObject* camera = nullptr;

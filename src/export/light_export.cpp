@@ -279,7 +279,11 @@ bool SceneExporter::exportSphere(BaseObject* object, const Matrix& mg, bool is_l
 	if(is_light)
 		sphere->material_uid = settings->light_material;
 	else
-		sphere->material_uid = materialOf(findTextureTag(object, nullptr));
+	{
+		const TextureTag* tag = findTextureTag(object, nullptr);
+		exportMaterial(tag ? tag->GetMaterial() : nullptr);
+		sphere->material_uid = materialOf(tag);
+	}
 	root->addChildNode(sphere);
 	return true;
 }

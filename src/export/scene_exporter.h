@@ -22,6 +22,7 @@ class SceneNodeMaterial;
 class SceneNodeModel;
 } // namespace Velorn
 
+class BaseMaterial;
 class PolygonObject;
 class TextureTag;
 struct MaterialContext;
@@ -84,6 +85,7 @@ private:
 	void setLayer(size_t index, const String& name);
 	bool exportBackground();
 	void exportSunSky(Velorn::SceneNodeBackgroundSettings& node, const BaseContainer& vp);
+	bool exportEnvironment(Velorn::SceneNodeBackgroundSettings& node, const BaseContainer& vp);
 	void makeDriverMaterials();
 	// A material node of the driver; its UID.
 	Velorn::UID addMaterial(const char* name, Velorn::Material* material);
@@ -128,6 +130,9 @@ private:
 	// A sphere of radius in host units at mg; object's motion blur tag and
 	// texture tag apply.
 	bool exportSphere(BaseObject* object, const Matrix& mg, bool is_light, double radius);
+	// Exports the material through the installed material export, which
+	// enters it in the settings' material map; nothing without one.
+	void exportMaterial(BaseMaterial* material);
 	// The UID of the texture tag's material if it has been exported, else
 	// the default material.
 	Velorn::UID materialOf(const TextureTag* texture_tag) const;

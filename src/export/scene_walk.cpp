@@ -7,6 +7,7 @@
 #include "c4d/primitives.h"
 #include "c4d/texture_tag.h"
 #include "export/host_space.h"
+#include "export/material_hooks.h"
 #include "export/mesh_exporter.h"
 #include "export/motion_blur_export.h"
 #include "host/plugin_ids.h"
@@ -77,6 +78,13 @@ Velorn::UID SceneExporter::materialOf(const TextureTag* tag) const
 {
 	const auto found = tag ? settings->material_map.find(tag->GetMaterial()) : settings->material_map.end();
 	return found != settings->material_map.end() && found->second.valid() ? found->second : settings->default_material;
+}
+
+void SceneExporter::exportMaterial(BaseMaterial* material)
+{
+	const MaterialExportHooks* hooks = GetMaterialExportHooks();
+	if(material && hooks && hooks->exportMaterial)
+		hooks->exportMaterial(material, *root, *settings);
 }
 
 void SceneExporter::exportObjects()
@@ -264,6 +272,12 @@ void SceneExporter::exportPolygonObject(PolygonObject* op, const Matrix& mg, boo
 {
 	if(op->GetPolygonCount() == 0)
 		return;
+	// The materials go into the map first, so that the mesh's stages find
+	// their nodes.
+	std::vector<TextureMaterial> materials;
+	listTextureMaterials(op, materials);
+	for(const TextureMaterial& m : materials)
+		exportMaterial(m.material);
 	MaterialContext context(*settings);
 	const Velorn::UID mesh = meshNodeOf(op, false, context);
 
@@ -276,6 +290,18 @@ void SceneExporter::exportPolygonObject(PolygonObject* op, const Matrix& mg, boo
 	}
 	Velorn::Reference<Velorn::SceneNodeModel> model = makeModel(op, mesh, context.material_uids, invisible_to_camera);
 	placeModel(*model, op, mg, true);
+	// Emitting materials of the plug-in may scale their emission per model.
+	for(const TextureMaterial& m : materials)
+	{
+		const auto found = settings->material_map.find(m.material);
+		if(found == settings->material_map.end() || !found->second.valid())
+			continue;
+		if(Velorn::Reference<Velorn::EmissionScale> scale = materialEmissionScale(*m.material))
+		{
+			scale->material_uid = found->second;
+			model->emission_scales.push_back(scale);
+		}
+	}
 	addModel(op, model);
 }
 

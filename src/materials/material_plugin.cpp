@@ -1,4 +1,5 @@
 #include "materials/material_plugin.h"
+#include "materials/material_export.h"
 
 #include "c4d/base_document.h"
 #include "c4d/base_list.h"
@@ -354,6 +355,8 @@ int32_t VelornMaterial::GetRenderInfo(BaseMaterial*)
 
 bool RegisterVelornMaterial()
 {
+	// With the material, the export learns to write it.
+	InstallMaterialExport();
 	return RegisterMaterialPlugin(ID_VELORN_MATERIAL, GeLoadString(10025), 0x20000001, VelornMaterial::Alloc,
 		String("Mvelornmaterial"), 0);
 }

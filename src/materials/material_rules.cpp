@@ -3,6 +3,7 @@
 #include "c4d/base_shader.h"
 #include "host/plugin_ids.h"
 #include "materials/material_ids.h"
+#include "shaders/shader_ids.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -79,10 +80,6 @@ bool contains(std::initializer_list<int32_t> list, int32_t value)
 {
 	return std::find(list.begin(), list.end(), value) != list.end();
 }
-
-// The plug-in's own shaders: their text is the texture, so the texture
-// settings of a channel do not apply to them.
-const int32_t kOwnShaders[] = {1023863, 1024768, 1024769, 1024770, 1029836};
 
 // How an own id's enabling depends on a link: enabled while the link is
 // empty, while it holds a shader, or by the texture test.
@@ -299,7 +296,9 @@ bool hasForeignTexture(const BaseContainer& data, int32_t id, const BaseDocument
 	const BaseShader* shader = linkedShader(data, id, doc);
 	if(!shader)
 		return false;
-	return std::find(std::begin(kOwnShaders), std::end(kOwnShaders), shader->GetType()) == std::end(kOwnShaders);
+	// The plug-in's own shaders: their text is the texture, so the texture
+	// settings of a channel do not apply to them.
+	return !isVslShaderType(shader->GetType());
 }
 
 bool isMaterialParameterEnabled(const BaseContainer& data, int32_t id, const BaseDocument* doc)

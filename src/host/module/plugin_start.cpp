@@ -14,6 +14,7 @@
 #include "materials/convert_command.h"
 #include "materials/new_material_command.h"
 #include "render/video_post.h"
+#include "shaders/shader_plugins.h"
 #include "support/file_utils.h"
 #include "support/platform.h"
 #include "support/platform_utils.h"
@@ -60,7 +61,12 @@ bool registerPlugins()
 		RegisterNewMaterialCommand,
 		RegisterVelornVideoPost,
 		RegisterPlaceholderCommand,
+		RegisterVslShader,
 		RegisterVelornMaterial,
+		RegisterVslNoise,
+		RegisterVslBlend,
+		RegisterVslGradient,
+		RegisterVslNormal,
 	};
 	for(auto registration : registrations)
 		if(!registration())

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "scene/scene_node_material.h"
+#include "scene/emission_overrides.h"
+#include "scene/material.h"
+#include "support/reference.h"
+#include "scene/uid.h"
+
+class BaseMaterial;
+struct ExportSettings;
+
+namespace Velorn
+{
+class SceneNodeRoot;
+}
+
+// The export stands below the material plug-in, so it reaches material
+// export through these entries, which the plug-in's material registration
+// fills when the module starts and empties when it goes. Without them every
+// object takes the driver's default material and the environment background
+// stays empty.
+struct MaterialExportHooks
+{
+	// The UID of the material's node in root, exported now unless the run's
+	// material map holds it already; invalid for nothing exported.
+	Velorn::UID (*exportMaterial)(BaseMaterial* material, Velorn::SceneNodeRoot& root, ExportSettings& settings) =
+		nullptr;
+	// The background's material (a plug-in material in background mode), or
+	// null for any other material.
+	Velorn::Reference<Velorn::Material> (*exportBackgroundMaterial)(
+		BaseMaterial* material, Velorn::SceneNodeRoot& root, ExportSettings& settings) = nullptr;
+};
+
+// Null clears the hooks.
+void SetMaterialExportHooks(const MaterialExportHooks* hooks);
+// Null when no material export is installed.
+const MaterialExportHooks* GetMaterialExportHooks();
+
+// The emission scale a material of the plug-in asks for (its scale switch
+// on), without a material UID; null otherwise.
+Velorn::Reference<Velorn::EmissionScale> materialEmissionScale(const BaseMaterial& material);

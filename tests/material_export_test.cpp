@@ -1,0 +1,230 @@
+// Documents with the plug-in's materials exported through the material
+// export that the material plug-in installs, compared with scenes worked out
+// by hand, and read back by the scene reader.
+
+#include "c4d/auto_free.h"
+#include "c4d/console.h"
+#include "c4d/document_file.h"
+#include "c4d/plugin_test_helpers.h"
+#include "host/plugin_ids.h"
+#include "cli/scene_commands.h"
+#include "export/material_hooks.h"
+#include "host/camera_tag.h"
+#include "export/scene_exporter.h"
+#include "materials/material_export.h"
+#include "materials/material_test_helpers.h"
+
+#include "reader/scene_parser.h"
+#include "scene/materials_basic.h"
+#include "scene/materials_composite.h"
+#include "scene/scene_node_background_settings.h"
+#include "scene/scene_node_model.h"
+#include "scene/scene_node_root.h"
+#include "scene/scene_node_sphere.h"
+#include "support/failures.h"
+#include "support/file_utils.h"
+#include "support/test_files.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+namespace
+{
+
+// The material, medium and sphere elements of a scene text, one tab less
+// indented, each followed by an empty line: what material export decides.
+std::string materialElements(const std::string& scene)
+{
+	std::istringstream lines(scene);
+	std::string line, out, closing;
+	while(std::getline(lines, line))
+	{
+		if(closing.empty())
+		{
+			for(const char* element : {"material", "medium", "sphere"})
+				if(line == std::string("\t<") + element + ">")
+					closing = std::string("\t</") + element + ">";
+			if(closing.empty())
+				continue;
+		}
+		out += line.substr(line.compare(0, 1, "\t") == 0 ? 1 : 0) + "\n";
+		if(line == closing)
+		{
+			out += "\n";
+			closing.clear();
+		}
+	}
+	return out;
+}
+
+class MaterialExport : public MaterialTest
+{
+protected:
+	void SetUp() override
+	{
+		MaterialTest::SetUp();
+		// The camera tag gives the scene its tone mapping.
+		ASSERT_TRUE(RegisterCameraTag());
+		registerPlainPlugins(PluginKind::VideoPost, {ID_VIDEO_POST});
+	}
+
+	// The root of tests/data/materials/<name>.json as the driver leaves it,
+	// neither finalised nor written.
+	Velorn::Reference<Velorn::SceneNodeRoot> exportRoot(const std::string& name)
+	{
+		const std::string path = VelornTest::testDataPath("data/materials/" + name + ".json");
+		AutoFree<BaseDocument> document(LoadDocumentFile(Filename(path.c_str())));
+		EXPECT_TRUE(document);
+		if(!document)
+			return nullptr;
+		// As the export command does: generators build their caches first.
+		document->ExecutePasses(nullptr, true, true, true, 0);
+		scene_path = dir.file(name + ".vls");
+		ExportSettings settings(document.Get(), Filename(scene_path.c_str()), nullptr, 0, 320, 240, 0, 0, 0, 0);
+		SceneExporter exporter(&settings);
+		return exporter.exportScene();
+	}
+
+	// Exports tests/data/materials/<name>.json as the export command does
+	// (finalised, written) and returns the scene's text.
+	std::string exportDocument(const std::string& name)
+	{
+		const std::string path = VelornTest::testDataPath("data/materials/" + name + ".json");
+		AutoFree<BaseDocument> document(LoadDocumentFile(Filename(path.c_str())));
+		EXPECT_TRUE(document);
+		if(!document)
+			return std::string();
+		document->ExecutePasses(nullptr, true, true, true, 0);
+		scene_path = dir.file(name + ".vls");
+		ExportSettings settings(
+			document.Get(), Filename(scene_path.c_str()), nullptr, 0, 320, 240, 0, 0, 0, 0);
+		SceneExporter exporter(&settings);
+		Velorn::Reference<Velorn::SceneNodeRoot> root = exporter.exportScene();
+		EXPECT_TRUE(root.nonNull());
+		if(root.isNull())
+			return std::string();
+		// Pass 1 empties the map when it ends.
+		EXPECT_TRUE(settings.material_map.empty());
+		root->finalise(scene_path);
+		root->writeToFile(scene_path, false, nullptr);
+		return VelornTest::readFile(scene_path);
+	}
+
+	VelornTest::TempDir dir;
+	std::string scene_path;
+};
+
+} // namespace
+
+// Each document's materials as worked out from the plug-in's parameters;
+// the scene passes the reader's check, and what the reader reads back
+// writes the same elements again.
+TEST_F(MaterialExport, DocumentsExportTheirMaterials)
+{
+	ASSERT_NE(GetMaterialExportHooks(), nullptr);
+	for(const char* name : {"diffuse", "phong", "blend", "alpha", "medium"})
+	{
+		SCOPED_TRACE(name);
+		const std::string scene = exportDocument(name);
+		VelornTest::expectMatchesGolden(materialElements(scene), std::string("materials/") + name + ".xml");
+
+		EXPECT_EQ(VelornTest::failureOf([&] { Velorn::SceneCommands::check(scene_path); }), "(no failure)");
+		Velorn::SceneParser parser;
+		Velorn::Reference<Velorn::SceneNodeRoot> read = parser.parseFile(scene_path, "");
+		read->finalise(scene_path);
+		const std::string again = dir.file(std::string(name) + "_again.vls");
+		read->writeToFile(again, false, nullptr);
+		// The reader joins texture paths to the scene's directory.
+		std::string read_back = VelornTest::readFile(again);
+		const std::string joined = "<path>" + dir.path() + "/";
+		for(size_t at = read_back.find(joined); at != std::string::npos; at = read_back.find(joined, at))
+			read_back.replace(at, joined.size(), "<path>");
+		EXPECT_EQ(materialElements(read_back), materialElements(scene));
+	}
+}
+
+// Without the material plug-in's export the objects take the default
+// material, as before material export existed.
+TEST_F(MaterialExport, WithoutTheHooksObjectsTakeTheDefaultMaterial)
+{
+	SetMaterialExportHooks(nullptr);
+	const std::string scene = exportDocument("alpha");
+	InstallMaterialExport();
+	const std::string elements = materialElements(scene);
+	EXPECT_EQ(elements.find("<name>Red</name>"), std::string::npos);
+	EXPECT_NE(elements.find("<material_uid>7</material_uid>"), std::string::npos);
+}
+
+// A blend whose inputs are the blend itself: the map holds its node before
+// the inputs are exported, so the export ends with one node for it; the
+// links back to it become nullMat, so that the scene can be finalised.
+TEST_F(MaterialExport, SelfBlendEndsAfterOnePass)
+{
+	const Velorn::Reference<Velorn::SceneNodeRoot> root = exportRoot("loop");
+	ASSERT_TRUE(root.nonNull());
+	int loops = 0;
+	Velorn::UID null_material;
+	for(const Velorn::Reference<Velorn::SceneNode>& child : root->getChildren())
+	{
+		const auto* node = dynamic_cast<const Velorn::SceneNodeMaterial*>(child.getPointer());
+		if(node && node->getName() == Velorn::String("nullMat"))
+			null_material = node->uid;
+		if(!node || node->getName() != Velorn::String("Loop"))
+			continue;
+		++loops;
+		EXPECT_EQ(node->uid, Velorn::UID(8));
+		const auto* blend = dynamic_cast<const Velorn::BlendMaterial*>(node->material.getPointer());
+		ASSERT_NE(blend, nullptr);
+		EXPECT_EQ(blend->a_mat_uid, null_material);
+		EXPECT_EQ(blend->b_mat_uid, null_material);
+		EXPECT_EQ(dynamic_cast<const Velorn::ConstantDisplacementParam&>(*blend->blend).value, 0.5);
+	}
+	EXPECT_EQ(loops, 1);
+	EXPECT_TRUE(null_material.valid());
+	// Ball B wears it.
+	const auto& sphere = dynamic_cast<const Velorn::SceneNodeSphere&>(*root->getChildren().back());
+	EXPECT_EQ(sphere.material_uid, Velorn::UID(8));
+	const std::vector<String> lines = HostConsole::get().texts(HostConsole::Kind::Print);
+	EXPECT_NE(std::find(lines.begin(), lines.end(),
+				  String("Material 'Loop' links back to itself; the link was replaced by the default for an empty link.")),
+		lines.end());
+	root->finalise(scene_path);
+}
+
+// An emitting plug-in material as the environment, with its emission scale
+// on the background, and an emitting material on a polygon object, whose
+// model carries the material's emission scale.
+TEST_F(MaterialExport, EnvironmentAndModelEmissionScales)
+{
+	const Velorn::Reference<Velorn::SceneNodeRoot> root = exportRoot("environment");
+	ASSERT_TRUE(root.nonNull());
+	const auto& background =
+		dynamic_cast<const Velorn::SceneNodeBackgroundSettings&>(*root->getBackgroundSettingsNode());
+	const auto& sky = dynamic_cast<const Velorn::DiffuseMaterial&>(*background.background_material);
+	EXPECT_EQ(sky.name, Velorn::String("background_material"));
+	const auto& base = dynamic_cast<const Velorn::ConstantWavelengthDependentParam&>(*sky.base_emission);
+	EXPECT_EQ(dynamic_cast<const Velorn::UniformSpectrum&>(*base.spectrum).value, 3.0);
+	ASSERT_TRUE(background.emission_scale.nonNull());
+	EXPECT_EQ(background.emission_scale->measure, Velorn::EmissionScale::Luminance);
+	EXPECT_EQ(background.emission_scale->value, 2.5);
+
+	Velorn::UID lamp;
+	const Velorn::SceneNodeModel* box = nullptr;
+	for(const Velorn::Reference<Velorn::SceneNode>& child : root->getChildren())
+	{
+		if(child->getName() == Velorn::String("Lamp"))
+			lamp = child->uid;
+		if(const auto* model = dynamic_cast<const Velorn::SceneNodeModel*>(child.getPointer()))
+			box = model;
+	}
+	ASSERT_TRUE(lamp.valid());
+	ASSERT_NE(box, nullptr);
+	ASSERT_EQ(box->emission_scales.size(), 1u);
+	EXPECT_EQ(box->emission_scales[0]->material_uid, lamp);
+	EXPECT_EQ(box->emission_scales[0]->measure, Velorn::EmissionScale::LuminousIntensity);
+	EXPECT_EQ(box->emission_scales[0]->value, 50.0);
+	ASSERT_EQ(box->material_uids.size(), 1u);
+	EXPECT_EQ(box->material_uids[0], lamp);
+}
