@@ -42,16 +42,20 @@ TEST(ExportCommand, BundledExampleExportsToACheckedScene)
 	// The tag's settings reach the scene: the camera response of entry 52.
 	const std::string text = VelornTest::readFile(scene);
 	EXPECT_TRUE(contains(text, "data/camera_response_functions/Portra-100TCD.txt")) << text;
-	// Primitives, the model, the instance, the area light and the moving
-	// ball all arrive: five meshes (the instance shares the crate's), six
-	// models, one sphere; the meshes lie beside the scene. The crate's host
-	// material and the ball's plug-in material join the driver's three.
+	// Primitives, the model, the instance, the area light, the softbox's
+	// panel and the moving ball all arrive: six meshes (the instance shares
+	// the crate's), seven models, one sphere; the meshes lie beside the
+	// scene. Beside the driver's three materials stand the seven the
+	// objects wear or link (the coating's substrate is the host's crate
+	// paint, converted), and the glass's medium.
 	EXPECT_EQ(Velorn::SceneCommands::check(scene),
-		scene + ": 22 nodes: 1 Camera, 1 Render Settings, 5 Material, 5 Mesh, 6 Object, 1 Sphere, 1 Tone Mapping, 1 "
-				"Background Settings, 1 Metadata");
+		scene + ": 30 nodes: 1 Camera, 1 Render Settings, 10 Material, 6 Mesh, 7 Object, 1 Sphere, 1 Medium, "
+				"1 Tone Mapping, 1 Background Settings, 1 Metadata");
+	for(const char* kind : {"<phong>", "<coating>", "<specular>", "def eval(vec3 pos) vec3: (lerp("})
+		EXPECT_TRUE(contains(text, kind)) << kind;
 	EXPECT_TRUE(contains(console, "Instances exported: 1\n")) << console;
 	EXPECT_TRUE(contains(console, "SceneExportObjectMotionBlurSG()\n")) << console;
-	EXPECT_EQ(Velorn::FileUtils::getFilesInDir(dir.file("out/studio_meshes")).size(), 5u);
+	EXPECT_EQ(Velorn::FileUtils::getFilesInDir(dir.file("out/studio_meshes")).size(), 6u);
 }
 
 TEST(ExportCommand, BadDocumentsFailAndWriteNothing)
