@@ -27,15 +27,19 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
 #include <sstream>
 #include <string>
 
 namespace
 {
 
-// The material, medium and sphere elements of a scene text, one tab less
-// indented, each followed by an empty line: what material export decides.
-std::string materialElements(const std::string& scene)
+// The material, medium and sphere elements of a scene text (or the named
+// elements), one tab less indented, each followed by an empty line: what
+// material export decides.
+std::string materialElements(const std::string& scene,
+	std::initializer_list<const char*> elements = {"material", "medium", "sphere"})
 {
 	std::istringstream lines(scene);
 	std::string line, out, closing;
@@ -43,7 +47,7 @@ std::string materialElements(const std::string& scene)
 	{
 		if(closing.empty())
 		{
-			for(const char* element : {"material", "medium", "sphere"})
+			for(const char* element : elements)
 				if(line == std::string("\t<") + element + ">")
 					closing = std::string("\t</") + element + ">";
 			if(closing.empty())
@@ -72,13 +76,17 @@ protected:
 
 	// The root of tests/data/materials/<name>.json as the driver leaves it,
 	// neither finalised nor written.
-	Velorn::Reference<Velorn::SceneNodeRoot> exportRoot(const std::string& name)
+	// prepare, when given, changes the loaded document first.
+	Velorn::Reference<Velorn::SceneNodeRoot> exportRoot(
+		const std::string& name, const std::function<void(BaseDocument&)>& prepare = nullptr)
 	{
 		const std::string path = VelornTest::testDataPath("data/materials/" + name + ".json");
 		AutoFree<BaseDocument> document(LoadDocumentFile(Filename(path.c_str())));
 		EXPECT_TRUE(document);
 		if(!document)
 			return nullptr;
+		if(prepare)
+			prepare(*document.Get());
 		// As the export command does: generators build their caches first.
 		document->ExecutePasses(nullptr, true, true, true, 0);
 		scene_path = dir.file(name + ".vls");
@@ -124,7 +132,8 @@ protected:
 TEST_F(MaterialExport, DocumentsExportTheirMaterials)
 {
 	ASSERT_NE(GetMaterialExportHooks(), nullptr);
-	for(const char* name : {"diffuse", "phong", "blend", "alpha", "medium"})
+	for(const char* name :
+		{"diffuse", "phong", "blend", "alpha", "medium", "coating", "clay_blend", "tabulated", "blackbody_absorption"})
 	{
 		SCOPED_TRACE(name);
 		const std::string scene = exportDocument(name);
@@ -227,4 +236,132 @@ TEST_F(MaterialExport, EnvironmentAndModelEmissionScales)
 	EXPECT_EQ(box->emission_scales[0]->value, 50.0);
 	ASSERT_EQ(box->material_uids.size(), 1u);
 	EXPECT_EQ(box->material_uids[0], lamp);
+}
+
+namespace
+{
+
+BaseMaterial* findMaterial(BaseDocument& document, const char* name)
+{
+	for(BaseMaterial* m = document.GetFirstMaterial(); m; m = m->GetNext())
+		if(m->GetName() == String(name))
+			return m;
+	return nullptr;
+}
+
+} // namespace
+
+// The emitting material of the box with its IES profile: switch 1 and a
+// file give a profile on the box's model for that material, its path as
+// seen from the scene's directory; any other switch value, or no file,
+// gives none.
+TEST_F(MaterialExport, MaterialIESProfileOnTheModel)
+{
+	const std::string scene_dir = dir.path();
+	const std::string parent = Velorn::FileUtils::getDirectory(scene_dir);
+	const struct
+	{
+		const char* what;
+		int32_t on;
+		std::string file;
+		const char* expected; // null: no profile
+	} cases[] = {
+		{"a profile below the scene", 1, scene_dir + "/ies/lamp.ies", "ies/lamp.ies"},
+		{"a profile beside the scene's directory", 1, parent + "/lamp.ies", "../lamp.ies"},
+		{"the switch off", 0, scene_dir + "/ies/lamp.ies", nullptr},
+		{"a switch value other than 1", 2, scene_dir + "/ies/lamp.ies", nullptr},
+		{"no file", 1, "", nullptr},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.what);
+		const Velorn::Reference<Velorn::SceneNodeRoot> root = exportRoot("environment", [&](BaseDocument& document) {
+			BaseMaterial* lamp = findMaterial(document, "Lamp");
+			ASSERT_NE(lamp, nullptr);
+			lamp->GetDataInstance()->SetInt32(MAT_IES_ON, c.on);
+			lamp->GetDataInstance()->SetFilename(MAT_IES_FILE, Filename(c.file.c_str()));
+		});
+		ASSERT_TRUE(root.nonNull());
+		Velorn::UID lamp;
+		const Velorn::SceneNodeModel* box = nullptr;
+		for(const Velorn::Reference<Velorn::SceneNode>& child : root->getChildren())
+		{
+			if(child->getName() == Velorn::String("Lamp"))
+				lamp = child->uid;
+			if(const auto* model = dynamic_cast<const Velorn::SceneNodeModel*>(child.getPointer()))
+				box = model;
+		}
+		ASSERT_NE(box, nullptr);
+		// The emission scale stays as without a profile.
+		EXPECT_EQ(box->emission_scales.size(), 1u);
+		if(!c.expected)
+		{
+			EXPECT_TRUE(box->ies_profiles.empty());
+			continue;
+		}
+		ASSERT_EQ(box->ies_profiles.size(), 1u);
+		EXPECT_EQ(box->ies_profiles[0]->material_uid, lamp);
+		EXPECT_EQ(box->ies_profiles[0]->path.str(), c.expected);
+	}
+}
+
+// Bad input: each document exports to the end, the console says what was
+// replaced, and the written scene passes the reader's check.
+TEST_F(MaterialExport, BadInputIsReplacedAndReported)
+{
+	const struct
+	{
+		const char* document;
+		std::vector<std::string> lines;
+		// A text the written scene holds, when given.
+		const char* holds = nullptr;
+	} cases[] = {
+		{"bad_kind", {"Material 'Odd' is of unknown kind 9999; it was exported as a plain diffuse material."}},
+		{"bad_medium_kind", {"Medium 'FogMed' is of unknown kind 9999; it was exported as a basic medium."}},
+		{"bad_emission_mode",
+			{"Material 'Glow' has an unknown emission spectrum mode 9999; its base emission was left out."}},
+		{"bad_medium_modes",
+			{"Medium 'HazeMed' has an unknown absorption spectrum mode 9999; the absorption was set to zero.",
+				"Medium 'HazeMed' has an unknown scattering spectrum mode 9999; the scattering was set to zero.",
+				"Medium 'HazeMed' has an unknown phase function kind 9999; it was exported with a uniform phase "
+				"function."}},
+		{"object_link",
+			{"Material 'Mix' links to 'A', which is not a material; the link was replaced by the default for an empty "
+			 "link."},
+			"<a_mat_uid>6</a_mat_uid>"},
+		// The name reaches no file: it stands in the scene as it is, escaped.
+		{"path_name", {}, "<name>Dir/Sub\\Mat:&lt;1&gt;&amp;&quot;x&quot;</name>"},
+		{"missing_texture",
+			{"Material 'Wood': the texture file 'gone.png' was not found; the scene names it as it stands."}},
+		{"table_range",
+			{"Material 'Lamp': the tabulated spectrum from 450 nm to 650 nm does not cover 400 nm to 700 nm, which "
+			 "the reader needs; it now runs from 400 nm to 700 nm."},
+			"<start_wavelength>4e-7</start_wavelength>"},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.document);
+		HostConsole::get().clear();
+		const std::string scene = exportDocument(c.document);
+		ASSERT_FALSE(scene.empty());
+		const std::vector<String> printed = HostConsole::get().texts(HostConsole::Kind::Print);
+		for(const std::string& line : c.lines)
+			EXPECT_NE(std::find(printed.begin(), printed.end(), String(line.c_str())), printed.end()) << line;
+		if(c.holds)
+		{
+			EXPECT_NE(scene.find(c.holds), std::string::npos) << c.holds;
+		}
+		EXPECT_EQ(VelornTest::failureOf([&] { Velorn::SceneCommands::check(scene_path); }), "(no failure)");
+	}
+}
+
+// The environment material on the background: its emission scale without a
+// material UID, and its diffuse body without albedo, as worked out by hand
+// in the golden scene; the scene passes the reader's check.
+TEST_F(MaterialExport, EnvironmentBackgroundGolden)
+{
+	const std::string scene = exportDocument("environment");
+	VelornTest::expectMatchesGolden(
+		materialElements(scene, {"background_settings"}), "materials/environment_background.xml");
+	EXPECT_EQ(VelornTest::failureOf([&] { Velorn::SceneCommands::check(scene_path); }), "(no failure)");
 }

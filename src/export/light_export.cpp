@@ -5,6 +5,7 @@
 #include "c4d/light_object.h"
 #include "c4d/polygon_object.h"
 #include "c4d/primitives.h"
+#include "export/material_hooks.h"
 #include "export/mesh_exporter.h"
 #include "export/motion_blur_export.h"
 #include "host/plugin_globals.h"
@@ -72,14 +73,6 @@ int32_t emissionMeasure(int32_t cycle)
 	default:
 		return Velorn::EmissionScale().measure;
 	}
-}
-
-Velorn::Reference<Velorn::IESProfile> iesProfile(Velorn::UID material, const String& path)
-{
-	Velorn::Reference<Velorn::IESProfile> profile = new Velorn::IESProfile();
-	profile->material_uid = material;
-	profile->path = Velorn::String(path.GetStdString());
-	return profile;
 }
 
 // The IES profile that spot lights without one of their own get.

@@ -1,7 +1,9 @@
 #include "export/material_hooks.h"
 
 #include "c4d/base_material.h"
+#include "c4d/filename.h"
 #include "host/plugin_ids.h"
+#include "support/file_utils.h"
 
 namespace
 {
@@ -18,6 +20,8 @@ enum
 	mat_measure_luminance = 6086,
 	mat_measure_luminous_emittance = 6087,
 	mat_emission_scale_value = 6088,
+	mat_ies_on = 6281,
+	mat_ies_file = 6282,
 };
 
 } // namespace
@@ -48,4 +52,25 @@ Velorn::Reference<Velorn::EmissionScale> materialEmissionScale(const BaseMateria
 	}
 	scale->value = data.GetFloat(mat_emission_scale_value);
 	return scale;
+}
+
+Velorn::Reference<Velorn::IESProfile> iesProfile(Velorn::UID material, const String& path)
+{
+	Velorn::Reference<Velorn::IESProfile> profile = new Velorn::IESProfile();
+	profile->material_uid = material;
+	profile->path = Velorn::String(path.GetStdString());
+	return profile;
+}
+
+Velorn::Reference<Velorn::IESProfile> materialIESProfile(const BaseMaterial& material, const Filename& export_dir)
+{
+	const BaseContainer& data = *material.GetDataInstance();
+	if(material.GetType() != ID_VELORN_MATERIAL || data.GetInt32(mat_ies_on) != 1)
+		return nullptr;
+	const String file = data.GetFilename(mat_ies_file).GetString();
+	if(!file.Content())
+		return nullptr;
+	// A relative path keeps the scene and its profile movable together.
+	return iesProfile(Velorn::UID(),
+		String(Velorn::FileUtils::relativePath(export_dir.GetString().GetStdString(), file.GetStdString())));
 }

@@ -7,6 +7,8 @@
 #include "scene/uid.h"
 
 class BaseMaterial;
+class Filename;
+class String;
 struct ExportSettings;
 
 namespace Velorn
@@ -39,3 +41,12 @@ const MaterialExportHooks* GetMaterialExportHooks();
 // The emission scale a material of the plug-in asks for (its scale switch
 // on), without a material UID; null otherwise.
 Velorn::Reference<Velorn::EmissionScale> materialEmissionScale(const BaseMaterial& material);
+
+// A measured light distribution from the file at path for the material's
+// emission.
+Velorn::Reference<Velorn::IESProfile> iesProfile(Velorn::UID material, const String& path);
+
+// The IES profile a material of the plug-in asks for (its profile switch 1
+// and a file named), with the file's path as seen from export_dir and
+// without a material UID; null otherwise.
+Velorn::Reference<Velorn::IESProfile> materialIESProfile(const BaseMaterial& material, const Filename& export_dir);

@@ -290,7 +290,8 @@ void SceneExporter::exportPolygonObject(PolygonObject* op, const Matrix& mg, boo
 	}
 	Velorn::Reference<Velorn::SceneNodeModel> model = makeModel(op, mesh, context.material_uids, invisible_to_camera);
 	placeModel(*model, op, mg, true);
-	// Emitting materials of the plug-in may scale their emission per model.
+	// Emitting materials of the plug-in may scale their emission and shape
+	// their light with a measured profile per model.
 	for(const TextureMaterial& m : materials)
 	{
 		const auto found = settings->material_map.find(m.material);
@@ -300,6 +301,11 @@ void SceneExporter::exportPolygonObject(PolygonObject* op, const Matrix& mg, boo
 		{
 			scale->material_uid = found->second;
 			model->emission_scales.push_back(scale);
+		}
+		if(Velorn::Reference<Velorn::IESProfile> profile = materialIESProfile(*m.material, settings->export_dir))
+		{
+			profile->material_uid = found->second;
+			model->ies_profiles.push_back(profile);
 		}
 	}
 	addModel(op, model);

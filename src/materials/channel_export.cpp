@@ -1,6 +1,7 @@
 #include "materials/channel_export.h"
 
 #include "c4d/base_shader.h"
+#include "c4d/console.h"
 #include "host/plugin_globals.h"
 #include "materials/material_export.h"
 #include "materials/material_ids.h"
@@ -12,6 +13,7 @@
 #include "support/exceptions.h"
 #include "support/file_utils.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <sstream>
 #include <string>
@@ -67,8 +69,14 @@ ChannelForm channelForm(const ChannelSpec& spec, ChannelBuild& build)
 	if(shader->GetType() == Xbitmap)
 	{
 		const String name = shader->GetDataInstance()->GetFilename(BITMAPSHADER_FILENAME).GetString();
+		const String file = resolveTextureName(name, build.settings);
+		// The texture keeps the name: the renderer reports the file
+		// missing, and the user may still put it in place.
+		if(!Velorn::FileUtils::fileExists(file.GetStdString()))
+			GePrint(materialSubject(build.material_name) + String(": the texture file '") + name +
+				String("' was not found; the scene names it as it stands."));
 		form.kind = ChannelForm::Texture;
-		form.texture_index = addTexture(spec, build, resolveTextureName(name, build.settings));
+		form.texture_index = addTexture(spec, build, file);
 		return form;
 	}
 	if(isVslShaderType(shader->GetType()))
@@ -223,8 +231,39 @@ Velorn::Reference<Velorn::Spectrum> genericChannelSpectrum(const BaseContainer& 
 	}
 }
 
-Velorn::Reference<Velorn::Spectrum> tabulatedSpectrum(double start, double end, const String& values)
+String materialSubject(const String& name)
 {
+	return String("Material '") + name + String("'");
+}
+
+BaseMaterial* materialLink(const BaseContainer& data, int32_t id, const String& owner, const ExportSettings& settings)
+{
+	BaseList2D* target = data.GetLink(id, settings.document, 0);
+	BaseMaterial* material = dynamic_cast<BaseMaterial*>(target);
+	if(target && !material)
+		GePrint(materialSubject(owner) + String(" links to '") + target->GetName() +
+			String("', which is not a material; the link was replaced by the default for an empty link."));
+	return material;
+}
+
+static std::string nanometres(double value)
+{
+	std::ostringstream text;
+	text << value;
+	return text.str();
+}
+
+Velorn::Reference<Velorn::Spectrum> tabulatedSpectrum(double start, double end, const String& values, const String& owner)
+{
+	// The reader refuses a table that starts after 400 nm or ends before
+	// 700 nm.
+	const double covered_start = std::min(start, 400.0), covered_end = std::max(end, 700.0);
+	if((covered_start != start || covered_end != end) && owner.Content())
+		GePrint(owner + String(": the tabulated spectrum from " + nanometres(start) + " nm to " + nanometres(end) +
+							" nm does not cover 400 nm to 700 nm, which the reader needs; it now runs from " +
+							nanometres(covered_start) + " nm to " + nanometres(covered_end) + " nm."));
+	start = covered_start;
+	end = covered_end;
 	Velorn::RegularSpectrum* spectrum = new Velorn::RegularSpectrum();
 	// Nanometres to metres, divided rather than multiplied by 1e-9 so that the
 	// ends come out correctly rounded: 400 nm is exactly the reader's lower
@@ -249,7 +288,7 @@ Velorn::Reference<Velorn::Spectrum> tabulatedSpectrum(double start, double end, 
 	return spectrum;
 }
 
-Velorn::Reference<Velorn::WavelengthDependentParam> baseEmission(const BaseContainer& data)
+Velorn::Reference<Velorn::WavelengthDependentParam> baseEmission(const BaseContainer& data, const String& owner)
 {
 	if(!data.GetBool(MAT_USE_EMISSION))
 		return nullptr;
@@ -272,9 +311,13 @@ Velorn::Reference<Velorn::WavelengthDependentParam> baseEmission(const BaseConta
 	case MAT_SPECTRUM_TABULATED:
 		// Init leaves the table's ends unset: the reader's defaults hold.
 		spectrum = tabulatedSpectrum(data.GetFloat(MAT_EMISSION_TABLE_START, 400.0),
-			data.GetFloat(MAT_EMISSION_TABLE_END, 700.0), data.GetString(MAT_EMISSION_TABLE_VALUES));
+			data.GetFloat(MAT_EMISSION_TABLE_END, 700.0), data.GetString(MAT_EMISSION_TABLE_VALUES), owner);
 		break;
-	default: break;
+	default:
+		// A parameter without spectrum is no scene the reader takes.
+		GePrint(owner + String(" has an unknown emission spectrum mode ") +
+			String::IntToString(data.GetInt32(MAT_EMISSION_MODE)) + String("; its base emission was left out."));
+		return nullptr;
 	}
 	return new Velorn::ConstantWavelengthDependentParam(spectrum);
 }

@@ -39,7 +39,16 @@ struct ChannelBuild
 	const BaseContainer& data;
 	Velorn::Material& target;
 	ExportSettings& settings;
+	// The material's name, for what the console is told about it.
+	String material_name = String();
 };
+
+// The subject of a console line about a material: "Material 'NAME'".
+String materialSubject(const String& name);
+// A link that holds something else than a material (an object, a shader)
+// is told on the console as replaced by the empty link's default, and gives
+// null, as an empty link does.
+BaseMaterial* materialLink(const BaseContainer& data, int32_t id, const String& owner, const ExportSettings& settings);
 
 // The channel builders: null where the switch is off. A linked bitmap shader
 // gives a texture, one of the plug-in's own shaders a shader parameter, no
@@ -57,13 +66,17 @@ Velorn::Reference<Velorn::Vec3Param> normalMapChannel(ChannelBuild& build);
 Velorn::Reference<Velorn::Spectrum> rgbSpectrum(const Vector& colour, double scale, double gamma);
 // Of a generic spectrum channel by its mode (RGB for any other mode).
 Velorn::Reference<Velorn::Spectrum> genericChannelSpectrum(const BaseContainer& data, int32_t base);
-// The base emission: null with emission off; a parameter without spectrum
-// for an unknown mode.
-Velorn::Reference<Velorn::WavelengthDependentParam> baseEmission(const BaseContainer& data);
+// The base emission: null with emission off, and null for an unknown mode,
+// which the console is told about under owner (a subject such as
+// "Material 'NAME'").
+Velorn::Reference<Velorn::WavelengthDependentParam> baseEmission(const BaseContainer& data, const String& owner);
 // A tabulated spectrum from start and end in nanometres and the values as
 // text: tokens at blanks, one that does not parse counting 0; fewer than two
-// tokens give 0.1 and 0.1.
-Velorn::Reference<Velorn::Spectrum> tabulatedSpectrum(double start, double end, const String& values);
+// tokens give 0.1 and 0.1. The reader wants a table that covers 400 to 700
+// nm: a later start or an earlier end moves to that bound, and, with an
+// owner (a subject such as "Material 'NAME'"), the console is told.
+Velorn::Reference<Velorn::Spectrum> tabulatedSpectrum(
+	double start, double end, const String& values, const String& owner = String());
 
 // The file a bitmap shader's name stands for: a preset image copied into
 // the textures directory, an image beside the plug-in for a preview, one

@@ -34,12 +34,12 @@ struct KindBuild
 	ExportSettings& settings;
 	String name;
 
-	ChannelBuild channels(Velorn::Material& target) { return ChannelBuild{data, target, settings}; }
+	ChannelBuild channels(Velorn::Material& target) { return ChannelBuild{data, target, settings, name}; }
 
 	// The UID of a linked material, or fallback when the link is empty.
 	Velorn::UID linked(int32_t id, Velorn::UID fallback)
 	{
-		BaseMaterial* material = dynamic_cast<BaseMaterial*>(data.GetLink(id, settings.document, Mbase));
+		BaseMaterial* material = materialLink(data, id, name, settings);
 		if(!material)
 			return fallback;
 		const Velorn::UID uid = exportLinkedMaterial(material, root, settings);
@@ -74,7 +74,7 @@ void buildGeometry(Velorn::SurfaceMaterial& material, ChannelBuild& channels)
 
 void buildEmission(Velorn::SurfaceMaterial& material, ChannelBuild& channels)
 {
-	setChannel(material.base_emission, baseEmission(channels.data));
+	setChannel(material.base_emission, baseEmission(channels.data, materialSubject(channels.material_name)));
 	setChannel(material.emission, spectrumChannel(emission_channel, channels, nullptr));
 }
 
@@ -264,8 +264,8 @@ Reference<Velorn::Material> buildClay(KindBuild& build)
 	return material;
 }
 
-// The node's material by the kind; null for a kind the plug-in does not
-// know.
+// The node's material by the kind; the class's plain diffuse material for a
+// kind the plug-in does not know.
 Reference<Velorn::Material> buildKind(int32_t kind, KindBuild& build, Velorn::SceneNodeMaterial& node)
 {
 	const bool clay = build.settings.clay_render && !build.data.GetBool(MAT_KEEP_IN_CLAY) && kind != MAT_TYPE_BLEND;
@@ -285,7 +285,11 @@ Reference<Velorn::Material> buildKind(int32_t kind, KindBuild& build, Velorn::Sc
 	case MAT_TYPE_NULL:
 		node.setName("nullMat");
 		return new Velorn::NullMaterial();
-	default: return nullptr;
+	default:
+		// A node without a material is no scene the reader takes.
+		GePrint(materialSubject(build.name) + String(" is of unknown kind ") + String::IntToString(kind) +
+			String("; it was exported as a plain diffuse material."));
+		return new Velorn::DiffuseMaterial();
 	}
 }
 
@@ -401,7 +405,7 @@ Velorn::UID exportPluginMaterial(
 	blend->a_mat_uid = node->uid;
 	blend->b_mat_uid = second;
 	blend->step_blend = data.GetBool(MAT_BLEND_STEP);
-	ChannelBuild channels{data, *blend, settings};
+	ChannelBuild channels{data, *blend, settings, name};
 	setChannel(blend->blend, blendFactor(channels));
 	blend->shadow_catcher = shadow_catcher;
 	setMaterial(*outer, blend);

@@ -98,12 +98,38 @@ TEST(TabulatedSpectrum, TokensAtBlanksAndAtLeastTwoValues)
 	for(const auto& c : cases)
 	{
 		SCOPED_TRACE(c.text);
-		const Reference<Velorn::Spectrum> spectrum = tabulatedSpectrum(500, 600, String(c.text));
+		const Reference<Velorn::Spectrum> spectrum = tabulatedSpectrum(380, 720, String(c.text));
 		const auto& regular = dynamic_cast<const Velorn::RegularSpectrum&>(*spectrum);
 		EXPECT_EQ(std::vector<double>(regular.values.begin(), regular.values.end()), c.values);
 		EXPECT_EQ(regular.num_values, (int32_t)c.values.size());
-		EXPECT_EQ(regular.start_wavelength, 5e-7);
-		EXPECT_EQ(regular.end_wavelength, 6e-7);
+		EXPECT_EQ(regular.start_wavelength, 3.8e-7);
+		EXPECT_EQ(regular.end_wavelength, 7.2e-7);
+	}
+}
+
+// The reader takes tables that start at 400 nm or before and end at 700 nm
+// or after; the other ends move to those bounds.
+TEST(TabulatedSpectrum, EndsMoveToCoverTheVisibleRange)
+{
+	const struct
+	{
+		double start, end;
+		double start_m, end_m;
+	} cases[] = {
+		{400, 700, 4e-7, 7e-7},
+		{350, 800, 3.5e-7, 8e-7},
+		{450, 800, 4e-7, 8e-7},
+		{350, 650, 3.5e-7, 7e-7},
+		{450, 650, 4e-7, 7e-7},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.start);
+		SCOPED_TRACE(c.end);
+		const Reference<Velorn::Spectrum> spectrum = tabulatedSpectrum(c.start, c.end, String("1 2"));
+		const auto& regular = dynamic_cast<const Velorn::RegularSpectrum&>(*spectrum);
+		EXPECT_EQ(regular.start_wavelength, c.start_m);
+		EXPECT_EQ(regular.end_wavelength, c.end_m);
 	}
 }
 
@@ -188,8 +214,15 @@ TEST_F(MaterialExportTest, EmissionSpectraAndLayers)
 		data.SetInt32(MAT_EMISSION_MODE, c.mode);
 		data.SetInt32(MAT_EMISSION_LAYER, host_layer++);
 		const auto& diffuse = materialOf<Velorn::DiffuseMaterial>(exportMaterial(lamp));
-		const Velorn::Spectrum* spectrum =
-			dynamic_cast<const Velorn::ConstantWavelengthDependentParam&>(*diffuse.base_emission).spectrum.getPointer();
+		// An unknown mode leaves the base emission out: a parameter without
+		// spectrum is no scene the reader takes.
+		const Velorn::Spectrum* spectrum = diffuse.base_emission.isNull()
+			? nullptr
+			: dynamic_cast<const Velorn::ConstantWavelengthDependentParam&>(*diffuse.base_emission).spectrum.getPointer();
+		if(c.mode != 4711)
+		{
+			ASSERT_NE(spectrum, nullptr);
+		}
 		switch(c.mode)
 		{
 		case MAT_SPECTRUM_RGB:
@@ -210,7 +243,7 @@ TEST_F(MaterialExportTest, EmissionSpectraAndLayers)
 			EXPECT_EQ(as<Velorn::RegularSpectrum>(spectrum)->start_wavelength, 4e-7);
 			EXPECT_EQ(as<Velorn::RegularSpectrum>(spectrum)->num_values, 2);
 			break;
-		default: EXPECT_EQ(spectrum, nullptr); break;
+		default: EXPECT_TRUE(diffuse.base_emission.isNull()); break;
 		}
 		// Each new host layer takes the next renderer layer.
 		EXPECT_EQ(diffuse.layer, (unsigned)(host_layer - 5));
@@ -275,7 +308,11 @@ TEST_F(MaterialExportTest, MediaByKindAndSource)
 			EXPECT_EQ(as<Velorn::Atmosphere>(body)->center,
 				Velorn::Vec3d(1 * settings->scale, 3 * settings->scale, 2 * settings->scale));
 			break;
-		default: EXPECT_EQ(body, nullptr); break;
+		default:
+			// An unknown kind is built as a basic medium from the material's
+			// basic medium settings (ior 1.6 by default).
+			EXPECT_EQ(as<Velorn::BasicMedium>(body)->ior, 1.6);
+			break;
 		}
 	}
 }

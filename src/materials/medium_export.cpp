@@ -2,6 +2,7 @@
 #include "materials/material_export.h"
 
 #include "c4d/base_material.h"
+#include "c4d/console.h"
 #include "host/plugin_ids.h"
 #include "materials/material_ids.h"
 
@@ -35,9 +36,18 @@ const SpectrumGroup scattering_group = {MAT_SCATTERING_MODE, MAT_SCATTERING_RGB_
 	MAT_SCATTERING_PEAK_MIN, MAT_SCATTERING_PEAK_WIDTH, MAT_SCATTERING_PEAK_BASE, MAT_SCATTERING_PEAK_VALUE,
 	MAT_SCATTERING_UNIFORM, MAT_SCATTERING_TABLE_START, MAT_SCATTERING_TABLE_END, MAT_SCATTERING_TABLE_VALUES};
 
-// The group's spectrum by its mode; null for a mode of no spectrum. With
-// invert_rgb an RGB colour is read as a transmission colour: 1 - component.
-Reference<Velorn::Spectrum> groupSpectrum(const BaseContainer& data, const SpectrumGroup& group, bool invert_rgb)
+// The subject of console lines about a medium: "Medium 'NAME'".
+String mediumSubject(const String& name)
+{
+	return String("Medium '") + name + String("'");
+}
+
+// The group's spectrum by its mode. With invert_rgb an RGB colour is read as
+// a transmission colour: 1 - component. An unknown mode gives a uniform 0,
+// as a parameter without spectrum is no scene the reader takes; the
+// console is told under what (the group's name) and medium (its name).
+Reference<Velorn::Spectrum> groupSpectrum(const BaseContainer& data, const SpectrumGroup& group, bool invert_rgb,
+	const char* what, const String& medium)
 {
 	switch(data.GetInt32(group.mode))
 	{
@@ -62,21 +72,25 @@ Reference<Velorn::Spectrum> groupSpectrum(const BaseContainer& data, const Spect
 	case MAT_SPECTRUM_UNIFORM: return new Velorn::UniformSpectrum(data.GetFloat(group.uniform));
 	case MAT_SPECTRUM_TABULATED:
 		return tabulatedSpectrum(data.GetFloat(group.table_start, 400.0), data.GetFloat(group.table_end, 700.0),
-			data.GetString(group.table_values));
-	default: return nullptr;
+			data.GetString(group.table_values), mediumSubject(medium));
+	default:
+		GePrint(mediumSubject(medium) + String(" has an unknown ") + String(what) + String(" spectrum mode ") +
+			String::IntToString(data.GetInt32(group.mode)) + String("; the ") + String(what) +
+			String(" was set to zero."));
+		return new Velorn::UniformSpectrum(0.0);
 	}
 }
 
-Reference<Velorn::Medium> basicMedium(const BaseContainer& data)
+Reference<Velorn::Medium> basicMedium(const BaseContainer& data, const String& name)
 {
 	Reference<Velorn::BasicMedium> medium = new Velorn::BasicMedium();
 	medium->ior = data.GetFloat(MAT_MEDIUM_IOR);
 	medium->cauchy_b_coeff = data.GetFloat(MAT_MEDIUM_CAUCHY_B);
-	medium->absorption_coefficient = new Velorn::ConstantVolumeParam(groupSpectrum(data, absorption_group, true));
+	medium->absorption_coefficient = new Velorn::ConstantVolumeParam(groupSpectrum(data, absorption_group, true, "absorption", name));
 	if(data.GetBool(MAT_MEDIUM_SSS))
 	{
 		Reference<Velorn::SubsurfaceScattering> sss = new Velorn::SubsurfaceScattering();
-		sss->scattering_coefficient = new Velorn::ConstantVolumeParam(groupSpectrum(data, scattering_group, false));
+		sss->scattering_coefficient = new Velorn::ConstantVolumeParam(groupSpectrum(data, scattering_group, false, "scattering", name));
 		switch(data.GetInt32(MAT_PHASE_KIND))
 		{
 		case MAT_PHASE_UNIFORM: sss->phase_function = new Velorn::UniformPhaseFunction(); break;
@@ -84,18 +98,25 @@ Reference<Velorn::Medium> basicMedium(const BaseContainer& data)
 			sss->phase_function = new Velorn::HenyeyGreensteinPhaseFunction(
 				rgbSpectrum(data.GetVector(MAT_PHASE_G), 1.0, data.GetFloat(MAT_PHASE_G_GAMMA)));
 			break;
-		default: break;
+		default:
+			// The reader refuses scattering without a phase function.
+			GePrint(mediumSubject(name) + String(" has an unknown phase function kind ") +
+				String::IntToString(data.GetInt32(MAT_PHASE_KIND)) +
+				String("; it was exported with a uniform phase function."));
+			sss->phase_function = new Velorn::UniformPhaseFunction();
+			break;
 		}
 		medium->subsurface_scattering = sss;
 	}
 	return medium;
 }
 
-Reference<Velorn::Medium> mediumBody(const BaseContainer& data, const ExportSettings& settings)
+// The body by the medium's kind, named name.
+Reference<Velorn::Medium> mediumBody(const BaseContainer& data, const ExportSettings& settings, const String& name)
 {
 	switch(data.GetInt32(MAT_MEDIUM_KIND))
 	{
-	case MAT_MEDIUM_BASIC: return basicMedium(data);
+	case MAT_MEDIUM_BASIC: return basicMedium(data, name);
 	case MAT_MEDIUM_DERMIS:
 	{
 		Reference<Velorn::Dermis> dermis = new Velorn::Dermis();
@@ -118,7 +139,11 @@ Reference<Velorn::Medium> mediumBody(const BaseContainer& data, const ExportSett
 		atmosphere->center = Velorn::Vec3d(centre.x, centre.z, centre.y);
 		return atmosphere;
 	}
-	default: return nullptr;
+	default:
+		// The reader refuses a medium without a body.
+		GePrint(mediumSubject(name) + String(" is of unknown kind ") +
+			String::IntToString(data.GetInt32(MAT_MEDIUM_KIND)) + String("; it was exported as a basic medium."));
+		return basicMedium(data, name);
 	}
 }
 
@@ -144,12 +169,13 @@ Velorn::UID exportMediumOnce(BaseMaterial* material, const String& name, Velorn:
 	// comes back to a material met before ends there with the medium of its
 	// own.
 	visited.insert(material);
-	BaseMaterial* source = dynamic_cast<BaseMaterial*>(data.GetLink(MAT_MEDIUM_SOURCE, settings.document, Mbase));
+	BaseMaterial* source = materialLink(data, MAT_MEDIUM_SOURCE, name, settings);
 	if(source && holdsMedium(*source) && !visited.count(source))
 		return exportMediumOnce(source, source->GetName(), root, settings, visited);
 
-	Reference<Velorn::SceneNodeMedium> node = new Velorn::SceneNodeMedium(mediumBody(data, settings));
-	node->setName(Velorn::String((name + "Med").GetStdString()));
+	const String medium_name = name + "Med";
+	Reference<Velorn::SceneNodeMedium> node = new Velorn::SceneNodeMedium(mediumBody(data, settings, medium_name));
+	node->setName(Velorn::String(medium_name.GetStdString()));
 	if(node->medium.nonNull())
 		node->medium->precedence = data.GetInt32(MAT_MEDIUM_PRECEDENCE, 1);
 	root.addChildNode(node);

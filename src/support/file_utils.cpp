@@ -62,6 +62,56 @@ std::string toPlatformSeparators(const std::string& path)
 	return result;
 }
 
+const char* const relative_path_too_long = "(relative path too long)";
+
+std::string relativePath(const std::string& base, const std::string& path)
+{
+	const size_t shortest = 4, longest = 2048;
+	if(base.size() < shortest || path.size() < shortest || base.size() > longest || path.size() > longest)
+		return std::string();
+	if(base[0] != path[0])
+		return path;
+	size_t common = 0;
+	while(common < base.size() && common < path.size() && base[common] == path[common])
+		++common;
+	const bool base_is_prefix =
+		common == base.size() && (common == path.size() || Platform::isSeparator(path[common]) ||
+									 Platform::isSeparator(base[common - 1]));
+	if(base_is_prefix)
+	{
+		size_t rest = common;
+		while(rest < path.size() && Platform::isSeparator(path[rest]))
+			++rest;
+		return path.substr(rest);
+	}
+	// The last directory boundary that both share: a separator inside the
+	// common part, or base's separator right where path ends.
+	size_t boundary = std::string::npos;
+	if(common == path.size() && common < base.size() && Platform::isSeparator(base[common]))
+		boundary = common;
+	else
+		for(size_t i = common; i-- > 0;)
+			if(Platform::isSeparator(base[i]))
+			{
+				boundary = i;
+				break;
+			}
+	if(boundary == std::string::npos)
+		return path;
+	std::string result;
+	bool in_directory = false;
+	for(size_t i = boundary + 1; i < base.size(); ++i)
+	{
+		const bool separator = Platform::isSeparator(base[i]);
+		if(!separator && !in_directory)
+			result += std::string("..") + Platform::preferredSeparator();
+		in_directory = !separator;
+	}
+	if(boundary + 1 < path.size())
+		result += path.substr(boundary + 1);
+	return result.size() > longest ? std::string(relative_path_too_long) : result;
+}
+
 std::string makeAbsolute(const std::string& path) { return join(Platform::currentWorkingDirectory(), path); }
 
 bool fileExists(const std::string& path) { return Platform::pathExists(path); }

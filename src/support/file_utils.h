@@ -21,6 +21,12 @@ std::string getFilename(const std::string& path);
 std::string eatExtension(const std::string& path);
 // Turns every separator into the platform's preferred one.
 std::string toPlatformSeparators(const std::string& path);
+// path as seen from the directory base. Both must have 4 to 2048 characters, else the result is empty;
+// a path on another drive (another first letter) stays as it is. Below base, the rest of path after
+// base; elsewhere one ".." step per directory of base past their last common directory, then the rest
+// of path after that directory. A result longer than 2048 characters is relative_path_too_long.
+std::string relativePath(const std::string& base, const std::string& path);
+extern const char* const relative_path_too_long;
 
 // The path joined to the working directory, unless it is absolute already.
 std::string makeAbsolute(const std::string& path);

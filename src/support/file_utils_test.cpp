@@ -26,6 +26,46 @@ TEST(FileUtils, PathsJoinAndSplit)
 	EXPECT_EQ(FileUtils::eatExtension("a.d/b"), "a.d/b");
 }
 
+// Each expectation is the path as typed from the base directory by hand.
+TEST(FileUtils, RelativePaths)
+{
+	const std::string long_base = "/" + std::string(1200, 'a') + "/" + std::string(700, 'b') + "/c/d/e/f/g/h/i/j/k/l/m/n/o/p";
+	const std::string long_path = "/" + std::string(1200, 'a') + "/" + std::string(800, 'z') + ".ies";
+	const struct
+	{
+		const char* what;
+		std::string base, path, expected;
+	} cases[] = {
+		{"below the base", "/scenes/out", "/scenes/out/ies/spot.ies", "ies/spot.ies"},
+		{"base with a trailing separator", "/scenes/out/", "/scenes/out/spot.ies", "spot.ies"},
+		{"a sibling directory", "/scenes/out", "/scenes/ies/spot.ies", "../ies/spot.ies"},
+		{"a name that only starts like the base", "/scenes/out", "/scenes/outer/spot.ies", "../outer/spot.ies"},
+		{"two levels up", "/scenes/out/frames", "/scenes/spot.ies", "../../spot.ies"},
+		{"the base's own parent", "/scenes/out/frames", "/scenes/out", "../"},
+		{"nothing shared but the root", "/home/me", "/data/spot.ies", "../../data/spot.ies"},
+		{"another drive", "/scenes/out", "C:/ies/spot.ies", "C:/ies/spot.ies"},
+		{"a base too short", "/a", "/a/b/spot.ies", ""},
+		{"a path too short", "/scenes/out", "/a", ""},
+		{"a base too long", "/" + std::string(2048, 'a'), "/" + std::string(2048, 'a') + "/x.ies", ""},
+		// Past the common "/a...a/" (1202 characters), base has 15
+		// directories (the b's, c to p): 15 steps up, then the 804
+		// characters of path after it.
+		{"a long result", long_base, long_path, [] {
+			 std::string steps;
+			 for(int i = 0; i < 15; ++i)
+				 steps += "../";
+			 return steps + std::string(800, 'z') + ".ies";
+		 }()},
+	};
+	for(const auto& c : cases)
+		EXPECT_EQ(FileUtils::relativePath(c.base, c.path), c.expected) << c.what;
+	// 1001 steps up (x and a thousand d's) make 3003 characters, past 2048.
+	std::string deep = "/x";
+	for(int i = 0; i < 1000; ++i)
+		deep += "/d";
+	EXPECT_EQ(FileUtils::relativePath(deep, "/y/spot.ies"), FileUtils::relative_path_too_long);
+}
+
 TEST(FileUtils, WholeFilesAndDirectories)
 {
 	VelornTest::TempDir dir;
