@@ -5,6 +5,8 @@
 // memory an export needs on top of the document (--memory, see main).
 // Files go to /tmp and are removed at the end.
 
+#include "waved_grid.h"
+
 #include "c4d/base_document.h"
 #include "c4d/polygon_object.h"
 #include "c4d/variable_tags.h"
@@ -39,33 +41,12 @@ const int32_t OBJECTS = 200;
 const int32_t CELLS_U = 125;
 const int32_t CELLS_V = 200;
 
-// A waved grid; the wave differs from object to object, so that no two
-// meshes are alike. The Phong angle spans the gentle wave, so each point
-// has one normal, and the UVs follow the points: merging leaves one vertex
-// and one UV pair per point.
+// A waved grid. The Phong angle spans the gentle wave, so each point has
+// one normal: merging leaves one vertex and one UV pair per point.
 PolygonObject* makeGridObject(int32_t k)
 {
-	const int32_t columns = CELLS_U + 1;
-	PolygonObject* op = PolygonObject::Alloc(columns * (CELLS_V + 1), CELLS_U * CELLS_V);
-	op->SetName(String("Grid ") + String::IntToString(k));
-	Vector* points = op->GetPointW();
-	for(int32_t j = 0; j <= CELLS_V; ++j)
-		for(int32_t i = 0; i < columns; ++i)
-		{
-			const double height = 0.2 * std::sin(i * 0.11 + k * 0.37) * std::cos(j * 0.07 + k * 0.19);
-			points[j * columns + i] = Vector(i * 0.1, height, j * 0.1);
-		}
-	UVWTag* uvw = UVWTag::Alloc(CELLS_U * CELLS_V);
-	CPolygon* polygons = op->GetPolygonW();
-	const auto uv = [](int32_t i, int32_t j) { return Vector((double)i / CELLS_U, (double)j / CELLS_V, 0); };
-	for(int32_t j = 0; j < CELLS_V; ++j)
-		for(int32_t i = 0; i < CELLS_U; ++i)
-		{
-			const int32_t a = j * columns + i;
-			polygons[j * CELLS_U + i] = CPolygon(a, a + 1, a + columns + 1, a + columns);
-			uvw->Set(j * CELLS_U + i, UVWStruct{uv(i, j), uv(i + 1, j), uv(i + 1, j + 1), uv(i, j + 1)});
-		}
-	op->InsertTag(uvw);
+	PolygonObject* op =
+		makeWavedGrid(k, CELLS_U, CELLS_V, 0.11, 0.07, Vector(), String("Grid ") + String::IntToString(k));
 	BaseContainer& phong = *op->MakeTag(Tphong)->GetDataInstance();
 	phong.SetBool(PHONGTAG_PHONG_ANGLELIMIT, true);
 	phong.SetFloat(PHONGTAG_PHONG_ANGLE, 80.0 * 3.14159265358979323846 / 180.0);

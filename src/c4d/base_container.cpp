@@ -8,13 +8,6 @@
 namespace
 {
 
-// The entry under key in entries, const or not; the end when there is none.
-template<typename Entries>
-auto findKey(Entries& entries, int32_t key)
-{
-	return std::find_if(entries.begin(), entries.end(), [key](const BaseContainer::Entry& e) { return e.first == key; });
-}
-
 // The entry at index in entries, const or not; the end when there is none.
 template<typename Entries>
 auto atIndex(Entries& entries, int32_t index)
@@ -26,24 +19,67 @@ auto atIndex(Entries& entries, int32_t index)
 
 } // namespace
 
+BaseContainer& BaseContainer::operator=(const BaseContainer& o)
+{
+	if(this != &o)
+	{
+		id = o.id;
+		entries = o.entries;
+		reindex();
+	}
+	return *this;
+}
+
+BaseContainer::Position BaseContainer::find(int32_t key) const
+{
+	const auto found = first.find(key);
+	// The list is not changed through the position of a const lookup.
+	return found == first.end() ? const_cast<std::list<Entry>&>(entries).end() : found->second;
+}
+
+void BaseContainer::index(Position pos)
+{
+	const auto [indexed, added] = first.emplace(pos->first, pos);
+	if(added)
+		return;
+	// An id that stands more than once (menus): the one nearer the front wins.
+	for(auto it = entries.begin(); it != entries.end(); ++it)
+	{
+		if(it == indexed->second)
+			return;
+		if(it == pos)
+		{
+			indexed->second = pos;
+			return;
+		}
+	}
+}
+
+void BaseContainer::reindex()
+{
+	first.clear();
+	for(auto it = entries.begin(); it != entries.end(); ++it)
+		first.emplace(it->first, it);
+}
+
 void BaseContainer::SetData(int32_t key, const GeData& data)
 {
-	const auto found = findKey(entries, key);
+	const Position found = find(key);
 	if(found == entries.end())
-		entries.emplace_back(key, data);
+		index(entries.emplace(entries.end(), key, data));
 	else
 		found->second = data;
 }
 
 const GeData* BaseContainer::GetDataPointer(int32_t key) const
 {
-	const auto found = findKey(entries, key);
+	const Position found = find(key);
 	return found == entries.end() ? nullptr : &found->second;
 }
 
 BaseContainer* BaseContainer::GetContainerInstance(int32_t key)
 {
-	const auto found = findKey(entries, key);
+	const Position found = find(key);
 	return found == entries.end() ? nullptr : found->second.GetContainerInstance();
 }
 
@@ -56,9 +92,15 @@ const GeData& BaseContainer::GetData(int32_t key) const
 
 bool BaseContainer::RemoveData(int32_t key)
 {
-	const auto found = findKey(entries, key);
+	const Position found = find(key);
 	if(found == entries.end())
 		return false;
+	// The next entry of the id, if any, becomes its first.
+	const Position next = std::find_if(std::next(found), entries.end(), [key](const Entry& e) { return e.first == key; });
+	if(next == entries.end())
+		first.erase(key);
+	else
+		first[key] = next;
 	entries.erase(found);
 	return true;
 }
@@ -73,7 +115,9 @@ GeData* BaseContainer::InsDataAfter(int32_t id, const GeData& data, const GeData
 	auto pos = std::find_if(entries.begin(), entries.end(), [after](const Entry& e) { return &e.second == after; });
 	if(pos != entries.end())
 		++pos;
-	return &entries.emplace(pos, id, data)->second;
+	const Position added = entries.emplace(pos, id, data);
+	index(added);
+	return &added->second;
 }
 
 int32_t BaseContainer::GetIndexId(int32_t index) const
@@ -103,13 +147,14 @@ BaseContainer BaseContainer::GetContainer(int32_t key) const
 namespace
 {
 
-// The values under key, in their order.
-std::vector<const GeData*> valuesOf(const std::list<BaseContainer::Entry>& entries, int32_t key)
+// The values by id, each id's values in their order.
+std::vector<std::pair<int32_t, const GeData*>> valuesById(const std::list<BaseContainer::Entry>& entries)
 {
-	std::vector<const GeData*> values;
+	std::vector<std::pair<int32_t, const GeData*>> values;
+	values.reserve(entries.size());
 	for(const BaseContainer::Entry& e : entries)
-		if(e.first == key)
-			values.push_back(&e.second);
+		values.emplace_back(e.first, &e.second);
+	std::stable_sort(values.begin(), values.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
 	return values;
 }
 
@@ -119,12 +164,10 @@ bool BaseContainer::operator==(const BaseContainer& o) const
 {
 	if(id != o.id || entries.size() != o.entries.size())
 		return false;
-	return std::all_of(entries.begin(), entries.end(), [this, &o](const Entry& e) {
-		const std::vector<const GeData*> mine = valuesOf(entries, e.first);
-		const std::vector<const GeData*> theirs = valuesOf(o.entries, e.first);
-		return std::equal(mine.begin(), mine.end(), theirs.begin(), theirs.end(),
-			[](const GeData* a, const GeData* b) { return *a == *b; });
-	});
+	const auto mine = valuesById(entries);
+	const auto theirs = valuesById(o.entries);
+	return std::equal(mine.begin(), mine.end(), theirs.begin(),
+		[](const auto& a, const auto& b) { return a.first == b.first && *a.second == *b.second; });
 }
 
 BaseList2D* BaseContainer::GetLink(int32_t key, const BaseDocument*, int32_t instanceof) const

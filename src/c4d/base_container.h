@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <list>
+#include <unordered_map>
 #include <utility>
 
 class BaseDocument;
@@ -11,7 +12,8 @@ class BaseDocument;
 // Typed values by numeric id, in the order the ids were first set; setting
 // an id again replaces its value in place. A getter whose id is missing or
 // holds another type returns the given default, as in the application.
-// Lookups are linear: the containers of parameters hold tens of entries.
+// Lookups by id go through an index of each id's first entry: a material
+// holds a few hundred parameters, which its export reads many times.
 //
 // An id may also stand more than once, as in menus, whose ids are the kinds
 // of their entries: InsData and InsDataAfter add an entry whatever ids are
@@ -25,6 +27,11 @@ public:
 	using const_iterator = std::list<Entry>::const_iterator;
 
 	explicit BaseContainer(int32_t id_ = 0) : id(id_) {}
+	BaseContainer(const BaseContainer& o) : id(o.id), entries(o.entries) { reindex(); }
+	BaseContainer& operator=(const BaseContainer& o);
+	// A moved list keeps its elements, so the index stays good.
+	BaseContainer(BaseContainer&&) = default;
+	BaseContainer& operator=(BaseContainer&&) = default;
 
 	int32_t GetId() const { return id; }
 	void SetId(int32_t id_) { id = id_; }
@@ -39,7 +46,11 @@ public:
 	BaseContainer* GetContainerInstance(int32_t key);
 	// False when there was nothing under key.
 	bool RemoveData(int32_t key);
-	void FlushAll() { entries.clear(); }
+	void FlushAll()
+	{
+		entries.clear();
+		first.clear();
+	}
 
 	void SetBool(int32_t key, bool v) { SetData(key, GeData((int32_t)v)); }
 	void SetInt32(int32_t key, int32_t v) { SetData(key, GeData(v)); }
@@ -91,6 +102,15 @@ public:
 	bool operator!=(const BaseContainer& o) const { return !(*this == o); }
 
 private:
+	using Position = std::list<Entry>::iterator;
+
+	// The first entry of key; the end when there is none.
+	Position find(int32_t key) const;
+	// Indexes the entry at pos when it is the first of its id.
+	void index(Position pos);
+	void reindex();
+
 	int32_t id;
 	std::list<Entry> entries;
+	std::unordered_map<int32_t, Position> first;
 };

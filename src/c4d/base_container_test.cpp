@@ -172,6 +172,16 @@ TEST(BaseContainer, RepeatedIdsAndInsertingBehindAnEntry)
 	EXPECT_TRUE(bc.RemoveData(3));
 	EXPECT_EQ(bc.GetString(3), String("c"));
 	EXPECT_EQ(bc.GetCount(), 6);
+
+	// An entry put in front of an id's first entry becomes its first, in
+	// copies too.
+	BaseContainer front;
+	GeData* t = front.InsData(4, "t");
+	front.InsData(3, "a");
+	front.InsDataAfter(3, "z", t);
+	EXPECT_EQ(front.GetString(3), String("z"));
+	const BaseContainer copy = front;
+	EXPECT_EQ(copy.GetString(3), String("z"));
 }
 
 TEST(BaseContainer, EqualityComparesTheEntriesOfAnIdInOrder)
