@@ -120,6 +120,21 @@ protected:
 		return VelornTest::readFile(scene_path);
 	}
 
+	// The UID of the material node "Lamp" and the root's last model.
+	static std::pair<Velorn::UID, const Velorn::SceneNodeModel*> lampAndModel(const Velorn::SceneNodeRoot& root)
+	{
+		Velorn::UID lamp;
+		const Velorn::SceneNodeModel* box = nullptr;
+		for(const Velorn::Reference<Velorn::SceneNode>& child : root.getChildren())
+		{
+			if(child->getName() == Velorn::String("Lamp"))
+				lamp = child->uid;
+			if(const auto* model = dynamic_cast<const Velorn::SceneNodeModel*>(child.getPointer()))
+				box = model;
+		}
+		return {lamp, box};
+	}
+
 	VelornTest::TempDir dir;
 	std::string scene_path;
 };
@@ -219,15 +234,7 @@ TEST_F(MaterialExport, EnvironmentAndModelEmissionScales)
 	EXPECT_EQ(background.emission_scale->measure, Velorn::EmissionScale::Luminance);
 	EXPECT_EQ(background.emission_scale->value, 2.5);
 
-	Velorn::UID lamp;
-	const Velorn::SceneNodeModel* box = nullptr;
-	for(const Velorn::Reference<Velorn::SceneNode>& child : root->getChildren())
-	{
-		if(child->getName() == Velorn::String("Lamp"))
-			lamp = child->uid;
-		if(const auto* model = dynamic_cast<const Velorn::SceneNodeModel*>(child.getPointer()))
-			box = model;
-	}
+	const auto [lamp, box] = lampAndModel(*root);
 	ASSERT_TRUE(lamp.valid());
 	ASSERT_NE(box, nullptr);
 	ASSERT_EQ(box->emission_scales.size(), 1u);
@@ -282,15 +289,7 @@ TEST_F(MaterialExport, MaterialIESProfileOnTheModel)
 			lamp->GetDataInstance()->SetFilename(MAT_IES_FILE, Filename(c.file.c_str()));
 		});
 		ASSERT_TRUE(root.nonNull());
-		Velorn::UID lamp;
-		const Velorn::SceneNodeModel* box = nullptr;
-		for(const Velorn::Reference<Velorn::SceneNode>& child : root->getChildren())
-		{
-			if(child->getName() == Velorn::String("Lamp"))
-				lamp = child->uid;
-			if(const auto* model = dynamic_cast<const Velorn::SceneNodeModel*>(child.getPointer()))
-				box = model;
-		}
+		const auto [lamp, box] = lampAndModel(*root);
 		ASSERT_NE(box, nullptr);
 		// The emission scale stays as without a profile.
 		EXPECT_EQ(box->emission_scales.size(), 1u);

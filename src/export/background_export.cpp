@@ -14,8 +14,6 @@ enum
 {
 	// The render settings' link to the environment material.
 	vp_environment_material = 1384,
-	// The plug-in material's emission switch.
-	mat_use_emission = 6007,
 };
 
 } // namespace
@@ -82,13 +80,12 @@ bool SceneExporter::exportEnvironment(Velorn::SceneNodeBackgroundSettings& node,
 {
 	BaseMaterial* material = dynamic_cast<BaseMaterial*>(vp.GetLink(vp_environment_material));
 	const MaterialExportHooks* hooks = GetMaterialExportHooks();
-	if(!material || material->GetType() != ID_VELORN_MATERIAL || !hooks || !hooks->exportBackgroundMaterial ||
-		!material->GetDataInstance()->GetBool(mat_use_emission))
+	if(!material || !hooks || !hooks->exportBackgroundMaterial)
 		return false;
 	Velorn::Reference<Velorn::Material> background = hooks->exportBackgroundMaterial(material, *root, *settings);
 	if(background.isNull())
 		return false;
 	node.background_material = background;
-	node.emission_scale = materialEmissionScale(*material);
+	node.emission_scale = hooks->emissionScale(*material);
 	return true;
 }

@@ -1,14 +1,13 @@
 #pragma once
 
-#include "scene/scene_node_material.h"
+#include "c4d/filename.h"
 #include "scene/emission_overrides.h"
 #include "scene/material.h"
-#include "support/reference.h"
+#include "scene/scene_node_material.h"
 #include "scene/uid.h"
+#include "support/reference.h"
 
 class BaseMaterial;
-class Filename;
-class String;
 struct ExportSettings;
 
 namespace Velorn
@@ -27,10 +26,17 @@ struct MaterialExportHooks
 	// material map holds it already; invalid for nothing exported.
 	Velorn::UID (*exportMaterial)(BaseMaterial* material, Velorn::SceneNodeRoot& root, ExportSettings& settings) =
 		nullptr;
-	// The background's material (a plug-in material in background mode), or
-	// null for any other material.
+	// The background's material (an emitting plug-in material in background
+	// mode), or null for any other material.
 	Velorn::Reference<Velorn::Material> (*exportBackgroundMaterial)(
 		BaseMaterial* material, Velorn::SceneNodeRoot& root, ExportSettings& settings) = nullptr;
+	// The emission scale a material asks for, without a material UID; null
+	// when it asks for none.
+	Velorn::Reference<Velorn::EmissionScale> (*emissionScale)(const BaseMaterial& material) = nullptr;
+	// The IES profile a material asks for, its file's path as seen from
+	// export_dir, without a material UID; null when it asks for none.
+	Velorn::Reference<Velorn::IESProfile> (*iesProfile)(const BaseMaterial& material, const Filename& export_dir) =
+		nullptr;
 };
 
 // Null clears the hooks.
@@ -38,15 +44,6 @@ void SetMaterialExportHooks(const MaterialExportHooks* hooks);
 // Null when no material export is installed.
 const MaterialExportHooks* GetMaterialExportHooks();
 
-// The emission scale a material of the plug-in asks for (its scale switch
-// on), without a material UID; null otherwise.
-Velorn::Reference<Velorn::EmissionScale> materialEmissionScale(const BaseMaterial& material);
-
 // A measured light distribution from the file at path for the material's
 // emission.
 Velorn::Reference<Velorn::IESProfile> iesProfile(Velorn::UID material, const String& path);
-
-// The IES profile a material of the plug-in asks for (its profile switch 1
-// and a file named), with the file's path as seen from export_dir and
-// without a material UID; null otherwise.
-Velorn::Reference<Velorn::IESProfile> materialIESProfile(const BaseMaterial& material, const Filename& export_dir);

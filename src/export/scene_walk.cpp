@@ -292,17 +292,18 @@ void SceneExporter::exportPolygonObject(PolygonObject* op, const Matrix& mg, boo
 	placeModel(*model, op, mg, true);
 	// Emitting materials of the plug-in may scale their emission and shape
 	// their light with a measured profile per model.
+	const MaterialExportHooks* hooks = GetMaterialExportHooks();
 	for(const TextureMaterial& m : materials)
 	{
 		const auto found = settings->material_map.find(m.material);
-		if(found == settings->material_map.end() || !found->second.valid())
+		if(!hooks || found == settings->material_map.end() || !found->second.valid())
 			continue;
-		if(Velorn::Reference<Velorn::EmissionScale> scale = materialEmissionScale(*m.material))
+		if(Velorn::Reference<Velorn::EmissionScale> scale = hooks->emissionScale(*m.material))
 		{
 			scale->material_uid = found->second;
 			model->emission_scales.push_back(scale);
 		}
-		if(Velorn::Reference<Velorn::IESProfile> profile = materialIESProfile(*m.material, settings->export_dir))
+		if(Velorn::Reference<Velorn::IESProfile> profile = hooks->iesProfile(*m.material, settings->export_dir))
 		{
 			profile->material_uid = found->second;
 			model->ies_profiles.push_back(profile);

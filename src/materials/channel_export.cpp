@@ -41,29 +41,29 @@ struct ChannelForm
 
 // Appends the texture of a bitmap file with the channel's settings; its
 // index in the material's list.
-int addTexture(const ChannelSpec& spec, ChannelBuild& build, const String& file)
+int addTexture(const ChannelIds& ids, ChannelBuild& build, const String& file)
 {
 	Velorn::Texture texture;
 	texture.path = Velorn::String(file.GetStdString());
-	texture.a = build.data.GetFloat(spec.a);
-	texture.b = build.data.GetFloat(spec.b);
-	texture.c = build.data.GetFloat(spec.c);
-	texture.exponent = build.data.GetFloat(spec.exponent);
+	texture.a = build.data.GetFloat(ids.a);
+	texture.b = build.data.GetFloat(ids.b);
+	texture.c = build.data.GetFloat(ids.c);
+	texture.exponent = build.data.GetFloat(ids.exponent);
 	texture.uv_set_index = 0;
-	texture.smooth = spec.smooth != 0 && build.data.GetBool(spec.smooth);
+	texture.smooth = ids.smooth != 0 && build.data.GetBool(ids.smooth);
 	texture.tex_coord_generation = new Velorn::UVTexCoordGenerator();
 	build.target.textures.push_back(texture);
 	return (int)build.target.textures.size() - 1;
 }
 
 // The decision all channels share, on the switch and the linked shader.
-ChannelForm channelForm(const ChannelSpec& spec, ChannelBuild& build)
+ChannelForm channelForm(const ChannelIds& ids, ChannelBuild& build)
 {
 	ChannelForm form;
-	if(!build.data.GetBool(spec.use))
+	if(!build.data.GetBool(ids.use))
 		return form;
 	form.kind = ChannelForm::Constant;
-	BaseShader* shader = dynamic_cast<BaseShader*>(build.data.GetLink(spec.link, build.settings.document, Xbase));
+	BaseShader* shader = dynamic_cast<BaseShader*>(build.data.GetLink(ids.link, build.settings.document, Xbase));
 	if(!shader)
 		return form;
 	if(shader->GetType() == Xbitmap)
@@ -76,12 +76,12 @@ ChannelForm channelForm(const ChannelSpec& spec, ChannelBuild& build)
 			GePrint(materialSubject(build.material_name) + String(": the texture file '") + name +
 				String("' was not found; the scene names it as it stands."));
 		form.kind = ChannelForm::Texture;
-		form.texture_index = addTexture(spec, build, file);
+		form.texture_index = addTexture(ids, build, file);
 		return form;
 	}
 	if(isVslShaderType(shader->GetType()))
 	{
-		const String header(spec.header);
+		const String header(ids.header);
 		const int32_t output_kind = header.GetStdString() == vector_header ? 1 : 0;
 		form.shader = translateShader(shader, build.target.textures, header, output_kind);
 		if(form.shader.nonNull())
@@ -96,25 +96,25 @@ ChannelForm channelForm(const ChannelSpec& spec, ChannelBuild& build)
 
 } // namespace
 
-const ChannelSpec albedo_channel = {MAT_USE_ALBEDO, MAT_ALBEDO_LINK, MAT_ALBEDO_EXPONENT, MAT_ALBEDO_A, MAT_ALBEDO_B,
+const ChannelIds albedo_channel = {MAT_USE_ALBEDO, MAT_ALBEDO_LINK, MAT_ALBEDO_EXPONENT, MAT_ALBEDO_A, MAT_ALBEDO_B,
 	MAT_ALBEDO_C, 0, "_albedo.jpg", vector_header};
-const ChannelSpec exponent_channel = {MAT_USE_EXPONENT, MAT_EXPONENT_LINK, MAT_EXPONENT_EXPONENT, MAT_EXPONENT_A,
+const ChannelIds exponent_channel = {MAT_USE_EXPONENT, MAT_EXPONENT_LINK, MAT_EXPONENT_EXPONENT, MAT_EXPONENT_A,
 	MAT_EXPONENT_B, MAT_EXPONENT_C, MAT_EXPONENT_SMOOTH, "_exponent.jpg", real_header};
-const ChannelSpec sigma_channel = {MAT_USE_SIGMA, MAT_SIGMA_LINK, MAT_SIGMA_EXPONENT, MAT_SIGMA_A, MAT_SIGMA_B,
+const ChannelIds sigma_channel = {MAT_USE_SIGMA, MAT_SIGMA_LINK, MAT_SIGMA_EXPONENT, MAT_SIGMA_A, MAT_SIGMA_B,
 	MAT_SIGMA_C, MAT_SIGMA_SMOOTH, "_sigma.jpg", real_header};
-const ChannelSpec blend_factor_channel = {MAT_USE_ALPHA, MAT_ALPHA_LINK, MAT_ALPHA_EXPONENT, MAT_ALPHA_A, MAT_ALPHA_B,
+const ChannelIds blend_factor_channel = {MAT_USE_ALPHA, MAT_ALPHA_LINK, MAT_ALPHA_EXPONENT, MAT_ALPHA_A, MAT_ALPHA_B,
 	MAT_ALPHA_C, MAT_ALPHA_SMOOTH, "_alpha.jpg", plain_header};
-const ChannelSpec absorption_layer_channel = {MAT_USE_ABSORPTION_LAYER, MAT_ABSORPTION_LAYER_LINK,
+const ChannelIds absorption_layer_channel = {MAT_USE_ABSORPTION_LAYER, MAT_ABSORPTION_LAYER_LINK,
 	MAT_ABSORPTION_LAYER_EXPONENT, MAT_ABSORPTION_LAYER_A, MAT_ABSORPTION_LAYER_B, MAT_ABSORPTION_LAYER_C, 0,
 	"_absorption_layer.jpg", vector_header};
-const ChannelSpec bump_channel = {MAT_USE_BUMP, MAT_BUMP_LINK, MAT_BUMP_EXPONENT, MAT_BUMP_A, MAT_BUMP_B, MAT_BUMP_C,
+const ChannelIds bump_channel = {MAT_USE_BUMP, MAT_BUMP_LINK, MAT_BUMP_EXPONENT, MAT_BUMP_A, MAT_BUMP_B, MAT_BUMP_C,
 	MAT_BUMP_SMOOTH, "_bump.jpg", plain_header};
-const ChannelSpec displacement_channel = {MAT_USE_DISPLACEMENT, MAT_DISPLACEMENT_LINK, MAT_DISPLACEMENT_EXPONENT,
+const ChannelIds displacement_channel = {MAT_USE_DISPLACEMENT, MAT_DISPLACEMENT_LINK, MAT_DISPLACEMENT_EXPONENT,
 	MAT_DISPLACEMENT_A, MAT_DISPLACEMENT_B, MAT_DISPLACEMENT_C, MAT_DISPLACEMENT_SMOOTH, "_displacement.jpg",
 	plain_header};
-const ChannelSpec normal_map_channel = {MAT_USE_NORMAL_MAP, MAT_NORMAL_MAP_LINK, MAT_NORMAL_MAP_EXPONENT,
+const ChannelIds normal_map_channel = {MAT_USE_NORMAL_MAP, MAT_NORMAL_MAP_LINK, MAT_NORMAL_MAP_EXPONENT,
 	MAT_NORMAL_MAP_A, MAT_NORMAL_MAP_B, MAT_NORMAL_MAP_C, 0, "_normal.jpg", vector_header};
-const ChannelSpec emission_channel = {MAT_USE_EMISSION, MAT_EMISSION_LINK, MAT_EMISSION_EXPONENT, MAT_EMISSION_A,
+const ChannelIds emission_channel = {MAT_USE_EMISSION, MAT_EMISSION_LINK, MAT_EMISSION_EXPONENT, MAT_EMISSION_A,
 	MAT_EMISSION_B, MAT_EMISSION_C, 0, "_emission.jpg", vector_header};
 
 // The switch of each generic channel.
@@ -135,21 +135,21 @@ static int32_t genericSwitch(int32_t base)
 
 // The generic rows reuse the suffixes of albedo and sigma; the timer value
 // in a baked file's name keeps the files apart.
-ChannelSpec genericSpectrumChannel(int32_t base)
+ChannelIds genericSpectrumChannel(int32_t base)
 {
 	return {genericSwitch(base), base + 16, base + 17, base + 18, base + 19, base + 20, 0, "_albedo.jpg", vector_header};
 }
 
-ChannelSpec genericRealChannel(int32_t base)
+ChannelIds genericRealChannel(int32_t base)
 {
 	return {genericSwitch(base), base + 16, base + 17, base + 18, base + 19, base + 20, base + 22, "_sigma.jpg",
 		real_header};
 }
 
 Velorn::Reference<Velorn::WavelengthDependentParam> spectrumChannel(
-	const ChannelSpec& spec, ChannelBuild& build, const Velorn::Reference<Velorn::Spectrum>& constant)
+	const ChannelIds& ids, ChannelBuild& build, const Velorn::Reference<Velorn::Spectrum>& constant)
 {
-	const ChannelForm form = channelForm(spec, build);
+	const ChannelForm form = channelForm(ids, build);
 	switch(form.kind)
 	{
 	case ChannelForm::Texture: return new Velorn::TextureWavelengthDependentParam(form.texture_index);
@@ -162,10 +162,10 @@ Velorn::Reference<Velorn::WavelengthDependentParam> spectrumChannel(
 	}
 }
 
-Velorn::Reference<Velorn::WavelengthIndependentParam> realChannel(const ChannelSpec& spec, ChannelBuild& build,
+Velorn::Reference<Velorn::WavelengthIndependentParam> realChannel(const ChannelIds& ids, ChannelBuild& build,
 	double constant)
 {
-	const ChannelForm form = channelForm(spec, build);
+	const ChannelForm form = channelForm(ids, build);
 	switch(form.kind)
 	{
 	case ChannelForm::Texture: return new Velorn::TextureWavelengthIndependentParam(form.texture_index);
@@ -175,10 +175,10 @@ Velorn::Reference<Velorn::WavelengthIndependentParam> realChannel(const ChannelS
 	}
 }
 
-Velorn::Reference<Velorn::DisplacementParam> displacementChannel(const ChannelSpec& spec, ChannelBuild& build,
+Velorn::Reference<Velorn::DisplacementParam> displacementChannel(const ChannelIds& ids, ChannelBuild& build,
 	const double* constant)
 {
-	const ChannelForm form = channelForm(spec, build);
+	const ChannelForm form = channelForm(ids, build);
 	switch(form.kind)
 	{
 	case ChannelForm::Texture: return new Velorn::TextureDisplacementParam(form.texture_index);

@@ -11,7 +11,7 @@
 #include <cstdint>
 
 // The parameters of one texture-capable channel of the plug-in material.
-struct ChannelSpec
+struct ChannelIds
 {
 	// The channel's switch.
 	int32_t use;
@@ -25,12 +25,12 @@ struct ChannelSpec
 	const char* header;
 };
 
-extern const ChannelSpec albedo_channel, exponent_channel, sigma_channel, blend_factor_channel,
+extern const ChannelIds albedo_channel, exponent_channel, sigma_channel, blend_factor_channel,
 	absorption_layer_channel, bump_channel, displacement_channel, normal_map_channel, emission_channel;
 
 // A generic channel of the coating and double sided kinds by its base id.
-ChannelSpec genericSpectrumChannel(int32_t base);
-ChannelSpec genericRealChannel(int32_t base);
+ChannelIds genericSpectrumChannel(int32_t base);
+ChannelIds genericRealChannel(int32_t base);
 
 // One material being built: the host material's values and the scene
 // material whose texture list the channels append to.
@@ -55,10 +55,10 @@ BaseMaterial* materialLink(const BaseContainer& data, int32_t id, const String& 
 // shader the constant form (none for bump, displacement, normal map and the
 // emission channel).
 Velorn::Reference<Velorn::WavelengthDependentParam> spectrumChannel(
-	const ChannelSpec& spec, ChannelBuild& build, const Velorn::Reference<Velorn::Spectrum>& constant);
-Velorn::Reference<Velorn::WavelengthIndependentParam> realChannel(const ChannelSpec& spec, ChannelBuild& build,
+	const ChannelIds& ids, ChannelBuild& build, const Velorn::Reference<Velorn::Spectrum>& constant);
+Velorn::Reference<Velorn::WavelengthIndependentParam> realChannel(const ChannelIds& ids, ChannelBuild& build,
 	double constant);
-Velorn::Reference<Velorn::DisplacementParam> displacementChannel(const ChannelSpec& spec, ChannelBuild& build,
+Velorn::Reference<Velorn::DisplacementParam> displacementChannel(const ChannelIds& ids, ChannelBuild& build,
 	const double* constant);
 Velorn::Reference<Velorn::Vec3Param> normalMapChannel(ChannelBuild& build);
 

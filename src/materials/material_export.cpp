@@ -9,6 +9,7 @@
 #include "materials/material_conversion.h"
 #include "materials/material_ids.h"
 #include "materials/nk_table.h"
+#include "support/file_utils.h"
 
 #include "scene/materials_basic.h"
 #include "scene/materials_composite.h"
@@ -432,6 +433,37 @@ Velorn::Reference<Velorn::Material> exportBackgroundMaterial(
 	return diffuse;
 }
 
+Velorn::Reference<Velorn::EmissionScale> materialEmissionScale(const BaseMaterial& material)
+{
+	const BaseContainer& data = *material.GetDataInstance();
+	if(material.GetType() != ID_VELORN_MATERIAL || !data.GetBool(MAT_EMISSION_SCALE_ON))
+		return nullptr;
+	Velorn::Reference<Velorn::EmissionScale> scale = new Velorn::EmissionScale();
+	switch(data.GetInt32(MAT_EMISSION_SCALE_MEASURE))
+	{
+	case MAT_EMISSION_SCALE_LUMINOUS_FLUX: scale->measure = Velorn::EmissionScale::LuminousFlux; break;
+	case MAT_EMISSION_SCALE_LUMINOUS_INTENSITY: scale->measure = Velorn::EmissionScale::LuminousIntensity; break;
+	case MAT_EMISSION_SCALE_LUMINANCE: scale->measure = Velorn::EmissionScale::Luminance; break;
+	case MAT_EMISSION_SCALE_LUMINOUS_EMITTANCE: scale->measure = Velorn::EmissionScale::LuminousEmittance; break;
+	default: break;
+	}
+	scale->value = data.GetFloat(MAT_EMISSION_SCALE_VALUE);
+	return scale;
+}
+
+Velorn::Reference<Velorn::IESProfile> materialIESProfile(const BaseMaterial& material, const Filename& export_dir)
+{
+	const BaseContainer& data = *material.GetDataInstance();
+	if(material.GetType() != ID_VELORN_MATERIAL || data.GetInt32(MAT_IES_ON) != 1)
+		return nullptr;
+	const String file = data.GetFilename(MAT_IES_FILE).GetString();
+	if(!file.Content())
+		return nullptr;
+	// A relative path keeps the scene and its profile movable together.
+	return iesProfile(Velorn::UID(),
+		String(Velorn::FileUtils::relativePath(export_dir.GetString().GetStdString(), file.GetStdString())));
+}
+
 namespace
 {
 
@@ -439,7 +471,14 @@ const MaterialExportHooks material_export_hooks = {
 	[](BaseMaterial* material, Velorn::SceneNodeRoot& root, ExportSettings& settings) {
 		return exportLinkedMaterial(material, root, settings);
 	},
-	exportBackgroundMaterial,
+	// The environment takes a material of the plug-in only while it emits.
+	[](BaseMaterial* material, Velorn::SceneNodeRoot& root, ExportSettings& settings) {
+		return material && material->GetDataInstance()->GetBool(MAT_USE_EMISSION) ?
+			exportBackgroundMaterial(material, root, settings) :
+			nullptr;
+	},
+	materialEmissionScale,
+	materialIESProfile,
 };
 
 // Clears the export's hooks when this library is unloaded with the module.

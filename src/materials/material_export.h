@@ -2,6 +2,7 @@
 
 #include "export/export_settings.h"
 
+#include "scene/emission_overrides.h"
 #include "scene/material.h"
 #include "scene/scene_node_root.h"
 #include "scene/uid.h"
@@ -29,6 +30,15 @@ Velorn::UID exportPluginMaterial(
 // emission; null for any other material.
 Velorn::Reference<Velorn::Material> exportBackgroundMaterial(
 	BaseMaterial* material, Velorn::SceneNodeRoot& root, ExportSettings& settings);
+
+// The emission scale a material of the plug-in asks for (its scale switch
+// on), without a material UID; null otherwise.
+Velorn::Reference<Velorn::EmissionScale> materialEmissionScale(const BaseMaterial& material);
+
+// The IES profile a material of the plug-in asks for (its profile switch 1
+// and a file named), the file's path as seen from export_dir, without a
+// material UID; null otherwise.
+Velorn::Reference<Velorn::IESProfile> materialIESProfile(const BaseMaterial& material, const Filename& export_dir);
 
 // The UID of the medium node inside material (named name + "Med"), made
 // once per run, or taken from the material that MAT_MEDIUM_SOURCE names.
