@@ -42,6 +42,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -50,8 +51,6 @@ namespace
 
 const char* const DIR = "/tmp/velorn_material_bench";
 const int32_t OBJECTS = 1000;
-// Each object is a grid of 6 x 6 quads over 7 x 7 points.
-const int32_t CELLS = 6;
 
 // The plug-ins a document of the plug-in's materials needs, registered as
 // the material and shader tests register them, with the module's resources
@@ -139,27 +138,33 @@ BaseMaterial* makeMaterial(BaseDocument* doc, BaseMaterial* last, int32_t k, std
 	return mat;
 }
 
-// A waved grid with a texture tag linking mat, 40 to a row.
-PolygonObject* makeObject(int32_t k, BaseMaterial* mat)
+// A waved grid of cells x cells quads with a texture tag linking mat, 40 to
+// a row.
+PolygonObject* makeObject(int32_t k, int32_t cells, BaseMaterial* mat)
 {
 	PolygonObject* op = makeWavedGrid(
-		k, CELLS, CELLS, 0.7, 0.5, Vector((k % 40) * 1.0, 0, (k / 40) * 1.0), String("Object ") + String::IntToString(k));
+		k, cells, cells, 0.7, 0.5, Vector((k % 40) * 1.0, 0, (k / 40) * 1.0), String("Object ") + String::IntToString(k));
 	TextureTag* texture = TextureTag::Alloc();
 	texture->SetMaterial(mat);
 	op->InsertTag(texture);
 	return op;
 }
 
-// The document, built once: a camera with the plug-in's camera tag, then
-// the objects in the order of their materials.
-BaseDocument* document()
+// The document of objects of cells x cells quads, built once: a camera
+// with the plug-in's camera tag, then the objects in the order of their
+// materials.
+BaseDocument* document(int32_t cells)
 {
-	static BaseDocument* const doc = [] {
-		if(!registerPlugins())
-		{
-			std::fprintf(stderr, "the plug-ins could not be registered\n");
-			std::exit(1);
-		}
+	static const bool registered = registerPlugins();
+	if(!registered)
+	{
+		std::fprintf(stderr, "the plug-ins could not be registered\n");
+		std::exit(1);
+	}
+	static std::map<int32_t, BaseDocument*> documents;
+	BaseDocument*& doc = documents[cells];
+	if(!doc)
+	{
 		BaseDocument* d = BaseDocument::Alloc();
 		BaseObject* camera = BaseObject::Alloc(Ocamera);
 		camera->SetName(String("Camera"));
@@ -173,22 +178,22 @@ BaseDocument* document()
 		BaseObject* pred = camera;
 		for(int32_t k = 0; k < OBJECTS; ++k)
 		{
-			PolygonObject* op = makeObject(k, materials[k]);
+			PolygonObject* op = makeObject(k, cells, materials[k]);
 			d->InsertObject(op, nullptr, pred);
 			pred = op;
 		}
 		d->ExecutePasses(nullptr, true, true, true, 0);
-		return d;
-	}();
+		doc = d;
+	}
 	return doc;
 }
 
 // One export of the document as the material export tests run it: the
 // root as the driver leaves it, neither finalised nor written.
-Velorn::Reference<Velorn::SceneNodeRoot> exportOnce()
+Velorn::Reference<Velorn::SceneNodeRoot> exportOnce(int32_t cells)
 {
 	std::vector<Filename> temp_files;
-	ExportSettings settings(document(), Filename((std::string(DIR) + "/bench.vls").c_str()), &temp_files, 0, 320,
+	ExportSettings settings(document(cells), Filename((std::string(DIR) + "/bench.vls").c_str()), &temp_files, 0, 320,
 		240, 0, 0, 0, 0);
 	SceneExporter exporter(&settings);
 	return exporter.exportScene();
@@ -203,12 +208,14 @@ int64_t materialNodes(const Velorn::SceneNodeRoot& root)
 	return count;
 }
 
-// Arg 1: with the material export installed; 0: with the hooks cleared.
+// Arg materials 1: with the material export installed; 0: with the hooks
+// cleared. Arg cells: each object is a grid of cells x cells quads.
 // Reports the nodes and material nodes of the last export's root.
 void BM_ExportScene(benchmark::State& state)
 {
-	document();
 	const bool materials = state.range(0) != 0;
+	const int32_t cells = (int32_t)state.range(1);
+	document(cells);
 	if(materials)
 		InstallMaterialExport();
 	else
@@ -216,7 +223,7 @@ void BM_ExportScene(benchmark::State& state)
 	int64_t nodes = 0, material_nodes = 0;
 	for(auto _ : state)
 	{
-		Velorn::Reference<Velorn::SceneNodeRoot> root = exportOnce();
+		Velorn::Reference<Velorn::SceneNodeRoot> root = exportOnce(cells);
 		if(root.isNull())
 		{
 			state.SkipWithError("the export gave no root");
@@ -233,7 +240,16 @@ void BM_ExportScene(benchmark::State& state)
 	state.counters["material_nodes"] = (double)material_nodes;
 }
 
-BENCHMARK(BM_ExportScene)->ArgName("materials")->Arg(1)->Arg(0)->Unit(benchmark::kMillisecond)->UseRealTime();
+// Small objects (6 x 6 quads), where the materials weigh most, and objects
+// of a size more usual in a scene (20 x 20 quads).
+BENCHMARK(BM_ExportScene)
+	->ArgNames({"materials", "cells"})
+	->Args({1, 6})
+	->Args({0, 6})
+	->Args({1, 20})
+	->Args({0, 20})
+	->Unit(benchmark::kMillisecond)
+	->UseRealTime();
 
 } // namespace
 

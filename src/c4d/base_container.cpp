@@ -30,26 +30,38 @@ BaseContainer& BaseContainer::operator=(const BaseContainer& o)
 	return *this;
 }
 
+std::vector<std::pair<int32_t, BaseContainer::Position>>::iterator BaseContainer::slot(int32_t key) const
+{
+	// The index is not changed through the slot of a const lookup.
+	auto& index = const_cast<std::vector<std::pair<int32_t, Position>>&>(first);
+	return std::lower_bound(
+		index.begin(), index.end(), key, [](const std::pair<int32_t, Position>& e, int32_t k) { return e.first < k; });
+}
+
 BaseContainer::Position BaseContainer::find(int32_t key) const
 {
-	const auto found = first.find(key);
+	const auto found = slot(key);
 	// The list is not changed through the position of a const lookup.
-	return found == first.end() ? const_cast<std::list<Entry>&>(entries).end() : found->second;
+	return found == first.end() || found->first != key ? const_cast<std::list<Entry>&>(entries).end()
+														: found->second;
 }
 
 void BaseContainer::index(Position pos)
 {
-	const auto [indexed, added] = first.emplace(pos->first, pos);
-	if(added)
+	const auto at = slot(pos->first);
+	if(at == first.end() || at->first != pos->first)
+	{
+		first.emplace(at, pos->first, pos);
 		return;
+	}
 	// An id that stands more than once (menus): the one nearer the front wins.
 	for(auto it = entries.begin(); it != entries.end(); ++it)
 	{
-		if(it == indexed->second)
+		if(it == at->second)
 			return;
 		if(it == pos)
 		{
-			indexed->second = pos;
+			at->second = pos;
 			return;
 		}
 	}
@@ -58,8 +70,14 @@ void BaseContainer::index(Position pos)
 void BaseContainer::reindex()
 {
 	first.clear();
+	first.reserve(entries.size());
 	for(auto it = entries.begin(); it != entries.end(); ++it)
-		first.emplace(it->first, it);
+		first.emplace_back(it->first, it);
+	// Sorting keeps the entries of one id in list order, so unique keeps the
+	// first of each.
+	std::stable_sort(first.begin(), first.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+	first.erase(std::unique(first.begin(), first.end(), [](const auto& a, const auto& b) { return a.first == b.first; }),
+		first.end());
 }
 
 void BaseContainer::SetData(int32_t key, const GeData& data)
@@ -97,10 +115,11 @@ bool BaseContainer::RemoveData(int32_t key)
 		return false;
 	// The next entry of the id, if any, becomes its first.
 	const Position next = std::find_if(std::next(found), entries.end(), [key](const Entry& e) { return e.first == key; });
+	const auto at = slot(key);
 	if(next == entries.end())
-		first.erase(key);
+		first.erase(at);
 	else
-		first[key] = next;
+		at->second = next;
 	entries.erase(found);
 	return true;
 }
