@@ -126,5 +126,13 @@ enum class ThreadPriority
 // 0, or the system's error code.
 int setThreadPriority(ThreadHandle thread, ThreadPriority priority);
 
+// Starts the program at application as a process of its own that outlives
+// this one, with command_line as Windows writes one: the program's name
+// and its arguments, separated by blanks, double quotes grouping an
+// argument with blanks (and dropped). Below normal priority when asked.
+// Nothing of the process is kept: no handle, no output, no exit code. False
+// when it could not be started; the reason is the last error.
+bool startProcess(const std::string& application, const std::string& command_line, bool below_normal);
+
 } // namespace Platform
 } // namespace Velorn

@@ -334,6 +334,73 @@ int setThreadPriority(ThreadHandle thread, ThreadPriority priority)
 	return ::pthread_setschedparam(thread->thread, policy, &parameters);
 }
 
+namespace
+{
+
+// The arguments of a command line written for Windows: blanks separate
+// them, double quotes group what lies between them and are dropped.
+std::vector<std::string> splitCommandLine(const std::string& command_line)
+{
+	std::vector<std::string> arguments;
+	std::string current;
+	bool quoted = false, started = false;
+	for(const char c : command_line)
+	{
+		if(c == '"')
+		{
+			quoted = !quoted;
+			started = true;
+		}
+		else if(c == ' ' && !quoted)
+		{
+			if(started)
+				arguments.push_back(current);
+			current.clear();
+			started = false;
+		}
+		else
+		{
+			current += c;
+			started = true;
+		}
+	}
+	if(started)
+		arguments.push_back(current);
+	return arguments;
+}
+
+// Waits for a started process so that it leaves no zombie behind; its exit
+// code is not wanted.
+void reapProcess(void* pid)
+{
+	::waitpid((pid_t)(intptr_t)pid, nullptr, 0);
+}
+
+} // namespace
+
+bool startProcess(const std::string& application, const std::string& command_line, bool below_normal)
+{
+	const std::vector<std::string> arguments = splitCommandLine(command_line);
+	std::vector<char*> argv;
+	for(const std::string& argument : arguments)
+		argv.push_back(const_cast<char*>(argument.c_str()));
+	argv.push_back(nullptr);
+	pid_t pid;
+	const int error = ::posix_spawn(&pid, application.c_str(), nullptr, nullptr, argv.data(), environ);
+	if(error != 0)
+	{
+		errno = error;
+		return false;
+	}
+	// Below normal priority on Windows is about nice 10 here; the process
+	// may run its first moments at the normal one.
+	if(below_normal)
+		::setpriority(PRIO_PROCESS, (id_t)pid, 10);
+	if(ThreadHandle reaper = startThread(&reapProcess, (void*)(intptr_t)pid))
+		detachThread(reaper);
+	return true;
+}
+
 } // namespace Platform
 
 namespace PlatformUtils
