@@ -1,4 +1,4 @@
-#include "render/renderer_launch.h"
+#include "host/renderer_launch.h"
 
 #include "c4d/console.h"
 #include "c4d/host_clock.h"
