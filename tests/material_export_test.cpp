@@ -13,6 +13,7 @@
 #include "export/scene_exporter.h"
 #include "materials/material_export.h"
 #include "materials/material_test_helpers.h"
+#include "shaders/shader_plugins.h"
 
 #include "reader/scene_parser.h"
 #include "scene/materials_basic.h"
@@ -72,6 +73,9 @@ protected:
 		// The camera tag gives the scene its tone mapping.
 		ASSERT_TRUE(RegisterCameraTag());
 		registerPlainPlugins(PluginKind::VideoPost, {ID_VIDEO_POST});
+		// Documents whose channels hold the plug-in's own shaders.
+		ASSERT_TRUE(RegisterVslShader() && RegisterVslNoise() && RegisterVslBlend() && RegisterVslGradient() &&
+			RegisterVslNormal());
 	}
 
 	// The root of tests/data/materials/<name>.json as the driver leaves it,
@@ -148,7 +152,8 @@ TEST_F(MaterialExport, DocumentsExportTheirMaterials)
 {
 	ASSERT_NE(GetMaterialExportHooks(), nullptr);
 	for(const char* name :
-		{"diffuse", "phong", "blend", "alpha", "medium", "coating", "clay_blend", "tabulated", "blackbody_absorption"})
+		{"diffuse", "phong", "blend", "alpha", "medium", "coating", "clay_blend", "tabulated", "blackbody_absorption",
+			"kinds", "media"})
 	{
 		SCOPED_TRACE(name);
 		const std::string scene = exportDocument(name);

@@ -60,7 +60,11 @@ DiffuseTransmitter::DiffuseTransmitter() : albedo(greyAlbedo()) {}
 
 void DiffuseTransmitter::doVisit(VisitOperation& op, SceneNode* owner)
 {
-	bindTarget(internal_medium, internal_medium_uid, op, owner);
+	// A transmitter may have no medium at all (its medium switch off): the
+	// writer leaves it out and the reader takes it so, and an invalid UID
+	// then has nothing to bind to.
+	if(internal_medium_uid.valid())
+		bindTarget(internal_medium, internal_medium_uid, op, owner);
 	visitChannels(transmitter_channels, *this, op, owner);
 }
 
