@@ -15,6 +15,7 @@ build: deps
 
 run: build
 	$(BUILD_DIR)/src/cli/velorn export examples/studio.json -o $(OUT)/studio.vls
+	$(BUILD_DIR)/renderer/velorn.exe -haltspp 4 -o $(OUT)/studio.png $(OUT)/studio.vls
 
 test: build
 	ctest --preset $(PRESET)

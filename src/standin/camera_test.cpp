@@ -1,0 +1,110 @@
+#include "standin/camera.h"
+#include "standin/standin_test_helpers.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace Velorn
+{
+namespace Standin
+{
+namespace
+{
+
+void expectDirection(const V3& actual, const V3& expected_unnormalised)
+{
+	const V3 e = normalise(expected_unnormalised);
+	EXPECT_NEAR(actual.x, e.x, 1e-5f);
+	EXPECT_NEAR(actual.y, e.y, 1e-5f);
+	EXPECT_NEAR(actual.z, e.z, 1e-5f);
+}
+
+SceneNodeCamera& cameraOf(SceneNodeRoot& root)
+{
+	return static_cast<SceneNodeCamera&>(*root.getCameraNode());
+}
+
+TEST(Camera, FieldOfViewFollowsTheCameraNode)
+{
+	// A 36 mm sensor 18 mm from the lens sees 2 atan(18 / 18) = 90 degrees
+	// across; the picture is 40 by 20, so the sensor is 18 mm high. The
+	// exporter writes lens_sensor_dist = sensor / (2 tan(fov / 2)).
+	Reference<SceneNodeRoot> root = StandinTest::makeRoot(40, 20, Vec3d(1, 2, 3), Vec3d(0, 1, 0), 0.036, 0.018);
+	const Camera camera(cameraOf(*root), 40, 20);
+	EXPECT_NEAR(camera.position.x, 1, 1e-6);
+	EXPECT_NEAR(camera.position.z, 3, 1e-6);
+	// Right is forwards x up = (1, 0, 0).
+	const struct
+	{
+		float x, y;
+		V3 direction;
+	} cases[] = {
+		{20, 10, V3(0, 1, 0)},                    // centre
+		{40, 10, V3(1, 1, 0)},                    // right edge: 45 degrees
+		{0, 10, V3(-1, 1, 0)},                    // left edge
+		{20, 0, V3(0, 0.018f, 0.009f)},           // top edge: half the sensor height up
+		{0, 20, V3(-0.018f, 0.018f, -0.009f)},    // bottom left corner
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(std::to_string(c.x) + ", " + std::to_string(c.y));
+		const Ray ray = camera.generateRay(c.x, c.y, 0.3f, 0.7f);
+		expectDirection(ray.dir, c.direction);
+	}
+}
+
+TEST(Camera, ProjectsKnownPointsWhereTheNodeSays)
+{
+	// A camera at the origin looking along +y with a 36 mm sensor 36 mm
+	// from the lens: a point (x, y, z) lands at film x = (x / y + 0.5) * w
+	// and film y = (0.5 - z / y * 0.036 / sensor_height) * h.
+	Reference<SceneNodeRoot> root = StandinTest::makeRoot(40, 20, Vec3d(0, 0, 0), Vec3d(0, 1, 0));
+	const Camera camera(cameraOf(*root), 40, 20);
+	const struct
+	{
+		V3 point;
+		float film_x, film_y;
+	} cases[] = {
+		{V3(1, 5, 0.5f), 28, 6},   // 0.2 right, 0.1 * 0.036 / 0.018 = 0.2 up
+		{V3(-2, 4, -0.5f), 0, 15}, // left edge, a quarter below the centre
+	};
+	for(const auto& c : cases)
+	{
+		const Ray ray = camera.generateRay(c.film_x, c.film_y, 0, 0);
+		expectDirection(ray.dir, c.point);
+	}
+}
+
+TEST(Camera, RotationOfTheKeyframeTurnsTheView)
+{
+	// A quarter turn about z takes forwards (0, 1, 0) to (-1, 0, 0).
+	Reference<SceneNodeRoot> root = StandinTest::makeRoot(10, 10, Vec3d(0, 0, 0), Vec3d(0, 1, 0));
+	cameraOf(*root).keyframes[0].rotation_angle = 3.14159265358979 / 2;
+	const Camera camera(cameraOf(*root), 10, 10);
+	expectDirection(camera.generateRay(5, 5, 0, 0).dir, V3(-1, 0, 0));
+}
+
+TEST(Camera, ThinLensRaysMeetOnThePlaneOfFocus)
+{
+	Reference<SceneNodeRoot> root = StandinTest::makeRoot(10, 10, Vec3d(0, 0, 0), Vec3d(0, 1, 0));
+	cameraOf(*root).aperture_radius = 0.05;
+	cameraOf(*root).focus_distance = 4;
+	const Camera camera(cameraOf(*root), 10, 10);
+	// Through film point (7, 3) every lens point aims at the same point of
+	// the plane y = 4: the pinhole ray's, (0.2 * 4, 4, 0.2 * 4).
+	const float lens[][2] = {{0.1f, 0.2f}, {0.9f, 0.5f}, {0.5f, 0.95f}};
+	for(const auto& l : lens)
+	{
+		const Ray ray = camera.generateRay(7, 3, l[0], l[1]);
+		EXPECT_LE(length(ray.origin), 0.05f + 1e-6f);
+		const float t = (4 - ray.origin.y) / ray.dir.y;
+		const V3 p = ray.origin + ray.dir * t;
+		EXPECT_NEAR(p.x, 0.8f, 1e-4f);
+		EXPECT_NEAR(p.z, 0.8f, 1e-4f);
+	}
+}
+
+} // namespace
+} // namespace Standin
+} // namespace Velorn

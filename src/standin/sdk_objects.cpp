@@ -1,0 +1,403 @@
+#include "standin/sdk_objects.h"
+
+#include "scene/render_setting_values.h"
+#include "scene/scene_node_render_settings.h"
+#include "scene/scene_node_root.h"
+#include "standin/render_session.h"
+#include "support/exceptions.h"
+#include "support/file_utils.h"
+
+#include <thread>
+
+namespace Velorn
+{
+namespace Standin
+{
+
+namespace
+{
+
+using F = InterfaceBase::Function;
+
+template <class T>
+T& self(InterfaceBase* object)
+{
+	return *static_cast<T*>(object);
+}
+
+template <class T>
+void destroyObject(InterfaceBase* object)
+{
+	delete static_cast<T*>(object);
+}
+
+// Positions that the plug-in never calls do nothing.
+void noOperation(InterfaceBase*) {}
+
+// Each table is filled once, position by position; the functions take the
+// object first, as the boundary's convention has it.
+const F* messageTable()
+{
+	static F table[MessageTable::Size] = {};
+	if(!table[0])
+	{
+		for(F& f : table)
+			f = reinterpret_cast<F>(&noOperation);
+		table[MessageTable::GetType] = reinterpret_cast<F>(+[](InterfaceBase* o) -> int { return self<MessageObject>(o).type; });
+		table[MessageTable::GetText] =
+			reinterpret_cast<F>(+[](InterfaceBase* o) -> const String* { return &self<MessageObject>(o).text; });
+	}
+	return table;
+}
+
+const F* rendererTable()
+{
+	static F table[RendererTable::Size] = {};
+	if(!table[0])
+	{
+		using R = RendererObject;
+		for(F& f : table)
+			f = reinterpret_cast<F>(&noOperation);
+		table[RendererTable::Initialise] = reinterpret_cast<F>(+[](InterfaceBase* o, const String* sdk, const String* appdata) {
+			return self<R>(o).initialise(*sdk, *appdata);
+		});
+		table[RendererTable::GetSamplesPerPixel] =
+			reinterpret_cast<F>(+[](InterfaceBase* o) { return self<R>(o).getSamplesPerPixel(); });
+		table[RendererTable::GetElapsedTime] = reinterpret_cast<F>(+[](InterfaceBase* o) { return self<R>(o).getElapsedTime(); });
+		table[RendererTable::InitialiseWithScene] = reinterpret_cast<F>(
+			+[](InterfaceBase* o, const Reference<SceneNodeRoot>* root, RenderBuffer* buffer, const Vector<String>* args) {
+				return self<R>(o).initialiseWithScene(*root, buffer, *args);
+			});
+		table[RendererTable::StartRendering] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<R>(o).startRendering(); });
+		table[RendererTable::PauseRendering] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<R>(o).pauseRendering(); });
+		table[RendererTable::ResumeRendering] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<R>(o).resumeRendering(); });
+		table[RendererTable::StopRendering] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<R>(o).stopRendering(); });
+		table[RendererTable::UpdateScene] = reinterpret_cast<F>(
+			+[](InterfaceBase* o, const Reference<SceneNodeRoot>* root) { self<R>(o).updateScene(*root); });
+		table[RendererTable::BeginMessages] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<R>(o).beginMessages(); });
+		table[RendererTable::AtEndOfMessages] = reinterpret_cast<F>(+[](InterfaceBase* o) { return self<R>(o).atEndOfMessages(); });
+		table[RendererTable::NextMessage] = reinterpret_cast<F>(+[](InterfaceBase* o) { return self<R>(o).nextMessage(); });
+		table[RendererTable::EndMessages] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<R>(o).endMessages(); });
+	}
+	return table;
+}
+
+const F* toneMapperTable()
+{
+	static F table[ToneMapperTable::Size] = {};
+	if(!table[0])
+	{
+		using T = ToneMapperObject;
+		for(F& f : table)
+			f = reinterpret_cast<F>(&noOperation);
+		table[ToneMapperTable::Initialise] = reinterpret_cast<F>(+[](InterfaceBase* o, const String*, const String*,
+			RenderBuffer* render_buffer, UInt8Buffer* bytes, FloatBuffer* floats, float gamma, String* error_out) {
+			self<T>(o).initialise(render_buffer, bytes, floats, gamma, *error_out);
+		});
+		table[ToneMapperTable::SetParameters] = reinterpret_cast<F>(+[](InterfaceBase* o, const Reference<SceneNode>* tone,
+			const Reference<SceneNode>* settings, const Reference<SceneNode>* camera, String* error_out) {
+			self<T>(o).setParameters(tone->getPointer(), settings->getPointer(), camera->getPointer(), *error_out);
+		});
+		table[ToneMapperTable::Update] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<T>(o).update(); });
+		table[ToneMapperTable::IsDone] = reinterpret_cast<F>(+[](InterfaceBase* o) { return self<T>(o).isDone(); });
+	}
+	return table;
+}
+
+void emptyGPUList(InterfaceBase*, Reference<InterfaceBase>* out)
+{
+	auto* list = new GPUInfoList();
+	list->destroy = &destroyObject<GPUInfoList>;
+	*out = list;
+}
+
+const F* hardwareTable()
+{
+	static F table[HardwareInfoTable::Size] = {};
+	if(!table[0])
+	{
+		for(F& f : table)
+			f = reinterpret_cast<F>(&noOperation);
+		table[HardwareInfoTable::GetGPUList] = reinterpret_cast<F>(&emptyGPUList);
+		table[HardwareInfoTable::GetSecondGPUList] = reinterpret_cast<F>(&emptyGPUList);
+	}
+	return table;
+}
+
+std::mutex table_mutex;
+
+} // namespace
+
+MessageObject::MessageObject(int type_, const String& text_) : type(type_), text(text_)
+{
+	table = messageTable();
+	destroy = &destroyObject<MessageObject>;
+}
+
+RendererObject::RendererObject()
+{
+	table = rendererTable();
+	destroy = &destroyObject<RendererObject>;
+}
+
+RendererObject::~RendererObject()
+{
+	render.reset();
+}
+
+int RendererObject::initialise(const String& sdk_dir_, const String& appdata_dir_)
+{
+	sdk_dir = sdk_dir_;
+	appdata_dir = appdata_dir_;
+	return 0;
+}
+
+int RendererObject::initialiseWithScene(const Reference<SceneNodeRoot>& root_, RenderBuffer* buffer_, const Vector<String>& args)
+{
+	render.reset();
+	root = root_;
+	buffer = buffer_;
+	// The first word of the arguments is the scene's path, real or not;
+	// relative texture paths are taken against its directory.
+	scene_path = args.empty() ? std::string() : args[0].str();
+	for(size_t i = 0; i + 1 < args.size(); ++i)
+		if(args[i] == "-seed")
+			seed = std::strtoull(args[i + 1].str().c_str(), nullptr, 10);
+	return prepare() ? 0 : 1;
+}
+
+bool RendererObject::prepare()
+{
+	try
+	{
+		if(root.isNull() || buffer.isNull() || !buffer->master_buffer)
+			throw Exception("No scene or no render buffer given.");
+		scene = std::make_shared<TracerScene>(*root, FileUtils::getDirectory(scene_path));
+		const TraceSettings& s = scene->getSettings();
+		const MasterBuffer& mb = *buffer->master_buffer;
+		if(mb.getFinalWidth() != s.width || mb.getFinalHeight() != s.height || mb.layers.size() < s.layer_count ||
+			mb.getInternalWidth() != (s.width + 8) * s.super_sample_factor)
+			throw Exception("The render buffer does not fit the scene's render settings.");
+		render = std::make_unique<ProgressiveRender>(scene, *buffer->master_buffer, buffer->pixels_mutex,
+			threadsFromSettings(*root), seed);
+		const auto& rs = static_cast<const SceneNodeRenderSettings&>(*root->getRenderSettingsNode());
+		render->setHalt(rs.settings.contains("halt_samples_per_pixel") ? rs.getDouble("halt_samples_per_pixel") : -1,
+			rs.settings.contains("halt_time") ? rs.getDouble("halt_time") : -1);
+		return true;
+	}
+	catch(const MessageException& e)
+	{
+		postMessage(MessageTable::ErrorMessage, e.what());
+	}
+	catch(const std::exception& e)
+	{
+		postMessage(MessageTable::ErrorMessage, e.what());
+	}
+	scene.reset();
+	render.reset();
+	return false;
+}
+
+void RendererObject::updateScene(const Reference<SceneNodeRoot>& new_root)
+{
+	const bool was_running = render && render->isRunning();
+	render.reset();
+	root = new_root;
+	if(buffer.nonNull() && buffer->master_buffer)
+	{
+		std::lock_guard<std::mutex> lock(buffer->pixels_mutex);
+		for(MasterBufferLayer& layer : buffer->master_buffer->layers)
+			std::fill(layer.image.getData(), layer.image.getData() + layer.image.numPixels() * 3, 0.0f);
+	}
+	if(prepare() && was_running)
+		render->start();
+}
+
+void RendererObject::startRendering()
+{
+	if(render)
+		render->start();
+}
+
+void RendererObject::pauseRendering()
+{
+	if(render)
+		render->pause();
+}
+
+void RendererObject::resumeRendering()
+{
+	if(render)
+		render->resume();
+}
+
+void RendererObject::stopRendering()
+{
+	if(render)
+		render->stop();
+}
+
+double RendererObject::getSamplesPerPixel() const
+{
+	return render ? render->getSamplesPerPixel() : 0;
+}
+
+double RendererObject::getElapsedTime() const
+{
+	return render ? render->getElapsedTime() : 0;
+}
+
+void RendererObject::postMessage(int type, const std::string& text)
+{
+	std::lock_guard<std::mutex> lock(messages_mutex);
+	messages.push_back(Reference<InterfaceBase>(new MessageObject(type, String(text))));
+}
+
+void RendererObject::beginMessages()
+{
+	std::lock_guard<std::mutex> lock(messages_mutex);
+	delivered.clear();
+}
+
+bool RendererObject::atEndOfMessages()
+{
+	std::lock_guard<std::mutex> lock(messages_mutex);
+	return messages.empty();
+}
+
+InterfaceBase* RendererObject::nextMessage()
+{
+	std::lock_guard<std::mutex> lock(messages_mutex);
+	if(messages.empty())
+		return nullptr;
+	delivered.push_back(messages.front());
+	messages.pop_front();
+	return delivered.back().getPointer();
+}
+
+void RendererObject::endMessages()
+{
+	std::lock_guard<std::mutex> lock(messages_mutex);
+	delivered.clear();
+}
+
+ToneMapperObject::ToneMapperObject()
+{
+	table = toneMapperTable();
+	destroy = &destroyObject<ToneMapperObject>;
+}
+
+ToneMapperObject::~ToneMapperObject()
+{
+	if(worker.joinable())
+		worker.join();
+}
+
+void ToneMapperObject::initialise(RenderBuffer* render_buffer_, UInt8Buffer* bytes_, FloatBuffer* floats_, float gamma_,
+	String& error_out)
+{
+	if(!render_buffer_ || !render_buffer_->master_buffer)
+	{
+		error_out = String("The tone mapper needs a render buffer.");
+		return;
+	}
+	render_buffer = render_buffer_;
+	bytes = bytes_;
+	floats = floats_;
+	gamma = gamma_;
+}
+
+void ToneMapperObject::setParameters(const SceneNode* tone_mapping, const SceneNode* settings_node, const SceneNode*,
+	String& error_out)
+{
+	const auto* rs = dynamic_cast<const SceneNodeRenderSettings*>(settings_node);
+	if(!rs)
+	{
+		error_out = String("The tone mapper needs the render settings.");
+		return;
+	}
+	settings = ToneMapSettings::fromNodes(tone_mapping, settings_node, gamma);
+	super_sample_factor = rs->settings.contains("super_sample_factor") ? (uint32_t)rs->getInt("super_sample_factor") : 1;
+	const MasterBuffer& mb = *render_buffer->master_buffer;
+	if(mb.getInternalWidth() != (mb.getFinalWidth() + 8) * super_sample_factor)
+	{
+		error_out = String("The render buffer does not fit the settings' super_sample_factor.");
+		return;
+	}
+	gains.assign(mb.layers.size(), 1.0);
+	for(size_t i = 0; i < gains.size() && i < rs->layer_settings.size(); ++i)
+		if(rs->layer_settings[i].nonNull())
+			gains[i] = rs->layer_settings[i]->gain;
+	has_parameters = true;
+}
+
+void ToneMapperObject::toneMapNow()
+{
+	if(!has_parameters)
+		return;
+	Image linear;
+	{
+		std::lock_guard<std::mutex> lock(render_buffer->pixels_mutex);
+		resolveBuffer(*render_buffer->master_buffer, gains.data(), super_sample_factor, linear);
+	}
+	if(bytes)
+	{
+		Bitmap bitmap(1, 1, 4);
+		toneMap(linear, settings, bitmap);
+		std::lock_guard<std::mutex> lock(bytes->mutex);
+		if(bytes->width == bitmap.getWidth() && bytes->height == bitmap.getHeight() && bytes->bytes_pp == 4)
+			for(uint32_t y = 0; y < bitmap.getHeight(); ++y)
+				std::copy(bitmap.getPixel(0, y), bitmap.getPixel(0, y) + bitmap.getWidth() * 4, bytes->getPixel(0, y));
+	}
+	if(floats)
+	{
+		Image display;
+		toneMapToFloat(linear, settings, display);
+		std::lock_guard<std::mutex> lock(floats->mutex);
+		if(floats->width == display.getWidth() && floats->height == display.getHeight())
+			for(uint32_t y = 0; y < display.getHeight(); ++y)
+				for(uint32_t x = 0; x < display.getWidth(); ++x)
+				{
+					const float* p = display.getPixel(x, y);
+					float* q = floats->getPixel(x, y);
+					q[0] = p[0];
+					q[1] = p[1];
+					q[2] = p[2];
+					q[3] = 1;
+				}
+	}
+}
+
+void ToneMapperObject::update()
+{
+	if(worker.joinable())
+		worker.join();
+	done = false;
+	worker = std::thread([this] {
+		toneMapNow();
+		done = true;
+	});
+}
+
+HardwareInfoObject::HardwareInfoObject()
+{
+	table = hardwareTable();
+	destroy = &destroyObject<HardwareInfoObject>;
+}
+
+InterfaceBase* createObject(const std::string& class_name)
+{
+	// The tables are filled on first use; the lock keeps two first uses
+	// from filling one at the same time.
+	std::lock_guard<std::mutex> lock(table_mutex);
+	if(class_name == "VelornInterface")
+		return new RendererObject();
+	if(class_name == "ToneMapperDLLAPI")
+		return new ToneMapperObject();
+	if(class_name == "HardwareInfoDLLAPI")
+		return new HardwareInfoObject();
+	return nullptr;
+}
+
+} // namespace Standin
+} // namespace Velorn

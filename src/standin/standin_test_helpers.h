@@ -1,0 +1,104 @@
+#pragma once
+
+// Small scenes built in code for the stand-in renderer's tests.
+#include "scene/channel_params.h"
+#include "scene/materials_basic.h"
+#include "scene/materials_glass.h"
+#include "scene/medium.h"
+#include "scene/scene_node_background_settings.h"
+#include "scene/scene_node_camera.h"
+#include "scene/scene_node_material.h"
+#include "scene/scene_node_medium.h"
+#include "scene/scene_node_render_settings.h"
+#include "scene/scene_node_root.h"
+#include "scene/scene_node_sphere.h"
+#include "scene/wavelength_values.h"
+
+namespace Velorn
+{
+namespace StandinTest
+{
+
+inline Reference<WavelengthDependentParam> grey(double value)
+{
+	return new ConstantWavelengthDependentParam(new UniformSpectrum(value));
+}
+
+// A root with default settings of the given size, super sampling 1, one
+// thread, and a pinhole camera at from looking along forwards (z up).
+inline Reference<SceneNodeRoot> makeRoot(int width, int height, const Vec3d& from, const Vec3d& forwards,
+	double sensor_width = 0.036, double lens_sensor_dist = 0.036)
+{
+	Reference<SceneNodeRoot> root = new SceneNodeRoot();
+	Reference<SceneNodeRenderSettings> settings = SceneNodeRenderSettings::getDefaults();
+	settings->setInt("width", width);
+	settings->setInt("height", height);
+	settings->setInt("super_sample_factor", 1);
+	settings->setBool("auto_choose_num_threads", false);
+	root->addChildNode(settings);
+	Reference<SceneNodeCamera> camera = new SceneNodeCamera();
+	camera->keyframes.push_back(KeyFrame{from, 0, Vec3d(0, 0, 1), 0});
+	camera->forwards = forwards;
+	camera->up = Vec3d(0, 0, 1);
+	camera->aperture_radius = 0;
+	camera->sensor_width = sensor_width;
+	camera->lens_sensor_dist = lens_sensor_dist;
+	root->addChildNode(camera);
+	return root;
+}
+
+inline Reference<SceneNodeMaterial> addMaterial(SceneNodeRoot& root, const Reference<Material>& material)
+{
+	Reference<SceneNodeMaterial> node = new SceneNodeMaterial(material);
+	root.addChildNode(node);
+	return node;
+}
+
+inline Reference<DiffuseMaterial> diffuse(double albedo)
+{
+	Reference<DiffuseMaterial> m = new DiffuseMaterial();
+	m->albedo = grey(albedo);
+	return m;
+}
+
+// A black body of luminance "value" in the given layer.
+inline Reference<DiffuseMaterial> emitter(double value, unsigned layer)
+{
+	Reference<DiffuseMaterial> m = diffuse(0);
+	m->emission = grey(value);
+	m->layer = layer;
+	return m;
+}
+
+// A smooth specular surface: glass over a medium of the given index, or a
+// mirror.
+inline Reference<SpecularMaterial> specular(SceneNodeRoot& root, bool transparent, double ior)
+{
+	Reference<SceneNodeMedium> medium = new SceneNodeMedium();
+	static_cast<BasicMedium&>(*medium->medium).ior = ior;
+	root.addChildNode(medium);
+	Reference<SpecularMaterial> m = new SpecularMaterial();
+	m->transparent = transparent;
+	m->internal_medium = medium;
+	return m;
+}
+
+inline void addSphere(SceneNodeRoot& root, const Vec3d& centre, double radius, const Reference<SceneNodeMaterial>& material)
+{
+	Reference<SceneNodeSphere> sphere = new SceneNodeSphere();
+	sphere->keyframes.push_back(KeyFrame{centre, 0, Vec3d(0, 0, 1), 0});
+	sphere->radius = radius;
+	sphere->material = material;
+	root.addChildNode(sphere);
+}
+
+// A uniform background of the given radiance in a layer.
+inline void addUniformBackground(SceneNodeRoot& root, double value, unsigned layer)
+{
+	Reference<SceneNodeBackgroundSettings> background = new SceneNodeBackgroundSettings();
+	background->background_material = emitter(value, layer);
+	root.addChildNode(background);
+}
+
+} // namespace StandinTest
+} // namespace Velorn

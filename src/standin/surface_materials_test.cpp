@@ -1,0 +1,208 @@
+#include "scene/materials_composite.h"
+#include "scene/materials_other.h"
+#include "standin/image_files.h"
+#include "standin/standin_test_helpers.h"
+#include "standin/tracer_scene.h"
+#include "support/exceptions.h"
+#include "support/test_files.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace Velorn
+{
+namespace Standin
+{
+namespace
+{
+
+using namespace StandinTest;
+
+// The mean radiance of a sphere of the material under a uniform sky of 1,
+// over paths along rays at three points of the sphere.
+double furnace(SceneNodeRoot& root, const Reference<SceneNodeMaterial>& material, int paths = 3000)
+{
+	addUniformBackground(root, 1.0, 0);
+	addSphere(root, Vec3d(0, 0, 0), 1, material);
+	TracerScene scene(root, ".");
+	double sum = 0;
+	int n = 0;
+	std::vector<V3> layers(1);
+	for(const V3 target : {V3(0, 0, 0), V3(0.6f, 0, 0.2f), V3(-0.3f, 0, -0.7f)})
+	{
+		const Ray ray{V3(0, -5, 0), normalise(target - V3(0, -5, 0))};
+		for(int i = 0; i < paths; ++i)
+		{
+			Rng rng(11, (uint64_t)n++);
+			layers[0] = V3(0);
+			bool hit = false;
+			scene.radiance(ray, rng, layers, hit);
+			sum += layers[0].average();
+		}
+	}
+	return sum / n;
+}
+
+Reference<SceneNodeRoot> newRoot() { return makeRoot(4, 4, Vec3d(0, -5, 0), Vec3d(0, 1, 0)); }
+
+TEST(SurfaceMaterials, FurnaceValuesOfEachKind)
+{
+	// Under a uniform sky a convex object's radiance is the sky's times the
+	// share of light its surface sends back: the albedo for diffuse
+	// surfaces, all of it for lossless ones.
+	const struct
+	{
+		const char* name;
+		std::function<Reference<Material>(SceneNodeRoot&)> make;
+		double expected, tolerance;
+	} cases[] = {
+		{"diffuse", [](SceneNodeRoot&) { return Reference<Material>(diffuse(0.3)); }, 0.3, 0.01},
+		{"Oren-Nayar without roughness is Lambertian",
+			[](SceneNodeRoot&) {
+				Reference<OrenNayarMaterial> m = new OrenNayarMaterial();
+				m->albedo = grey(0.6);
+				m->sigma = new ConstantWavelengthIndependentParam(0);
+				return Reference<Material>(m);
+			},
+			0.6, 0.015},
+		{"Phong dielectric over a white base",
+			[](SceneNodeRoot&) {
+				Reference<PhongMaterial> m = new PhongMaterial();
+				m->diffuse_albedo = grey(1);
+				m->exponent = new ConstantWavelengthIndependentParam(100);
+				return Reference<Material>(m);
+			},
+			1.0, 0.03},
+		{"Phong metal",
+			[](SceneNodeRoot&) {
+				Reference<PhongMaterial> m = new PhongMaterial();
+				m->specular_reflectivity = grey(0.8);
+				m->exponent = new ConstantWavelengthIndependentParam(100);
+				return Reference<Material>(m);
+			},
+			0.8, 0.03},
+		{"mirror", [](SceneNodeRoot& root) { return Reference<Material>(specular(root, false, 1.5)); }, 1.0, 1e-6},
+		{"glass", [](SceneNodeRoot& root) { return Reference<Material>(specular(root, true, 1.5)); }, 1.0, 0.01},
+		{"blend of white and black, a quarter black",
+			[](SceneNodeRoot& root) {
+				Reference<BlendMaterial> m = new BlendMaterial();
+				m->a_mat = addMaterial(root, diffuse(1));
+				m->b_mat = addMaterial(root, diffuse(0));
+				m->blend = new ConstantDisplacementParam(0.25);
+				return Reference<Material>(m);
+			},
+			0.75, 0.02},
+		{"sum of white by 0.3 and black by 0.2",
+			[](SceneNodeRoot& root) {
+				Reference<SumMaterial> m = new SumMaterial();
+				m->materials.push_back(addMaterial(root, diffuse(1)));
+				m->materials.push_back(addMaterial(root, diffuse(0)));
+				m->weights.push_back(new ConstantWavelengthIndependentParam(0.3));
+				m->weights.push_back(new ConstantWavelengthIndependentParam(0.2));
+				return Reference<Material>(m);
+			},
+			0.3, 0.01},
+		{"clear coating over white",
+			[](SceneNodeRoot& root) {
+				Reference<CoatingMaterial> m = new CoatingMaterial();
+				m->substrate_material = addMaterial(root, diffuse(1));
+				m->absorption = grey(0);
+				m->thickness = new ConstantWavelengthIndependentParam(1);
+				m->roughness = new ConstantWavelengthIndependentParam(0);
+				return Reference<Material>(m);
+			},
+			1.0, 0.02},
+		{"double-sided thin, white both sides",
+			[](SceneNodeRoot& root) {
+				Reference<DoubleSidedThinMaterial> m = new DoubleSidedThinMaterial();
+				m->front_material = addMaterial(root, diffuse(1));
+				m->back_material = addMaterial(root, diffuse(1));
+				m->transmittance = grey(0.5);
+				return Reference<Material>(m);
+			},
+			1.0, 0.02},
+		{"null", [](SceneNodeRoot&) { return Reference<Material>(new NullMaterial()); }, 1.0, 1e-6},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.name);
+		Reference<SceneNodeRoot> root = newRoot();
+		const Reference<SceneNodeMaterial> node = addMaterial(*root, c.make(*root));
+		EXPECT_NEAR(furnace(*root, node), c.expected, c.tolerance);
+	}
+}
+
+TEST(SurfaceMaterials, TextureFromAPNGFile)
+{
+	// A grey of 128 everywhere: 128 / 255 = 0.50196 with exponent 1, its
+	// 2.2th power 0.21952 with exponent 2.2; b and c scale and lift it.
+	VelornTest::TempDir dir;
+	Bitmap bitmap(2, 2, 3);
+	for(uint32_t y = 0; y < 2; ++y)
+		for(uint32_t x = 0; x < 2; ++x)
+			for(int i = 0; i < 3; ++i)
+				bitmap.getPixel(x, y)[i] = 128;
+	writePNG(dir.file("grey.png"), bitmap);
+	const struct
+	{
+		double exponent, b, c, expected;
+	} cases[] = {{1, 1, 0, 0.50196}, {2.2, 1, 0, 0.21952}, {1, 0.5, 0.1, 0.35098}};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(std::to_string(c.exponent) + " " + std::to_string(c.b));
+		Reference<SceneNodeRoot> root = newRoot();
+		Reference<DiffuseMaterial> m = new DiffuseMaterial();
+		Texture texture;
+		texture.path = dir.file("grey.png");
+		texture.exponent = c.exponent;
+		texture.b = c.b;
+		texture.c = c.c;
+		m->textures.push_back(texture);
+		m->albedo = new TextureWavelengthDependentParam(0);
+		EXPECT_NEAR(furnace(*root, addMaterial(*root, m), 500), c.expected, 1e-4);
+	}
+}
+
+TEST(SurfaceMaterials, KindsWithoutASurfaceAreRefused)
+{
+	Reference<SceneNodeRoot> root = newRoot();
+	Reference<SunSkyMaterial> sunsky = new SunSkyMaterial();
+	sunsky->name = "Sky";
+	Reference<SceneNodeMaterial> node = addMaterial(*root, sunsky);
+	node->setName("Sky");
+	addSphere(*root, Vec3d(0, 0, 0), 1, node);
+	try
+	{
+		TracerScene scene(*root, ".");
+		ADD_FAILURE() << "a sun and sky on a surface was accepted";
+	}
+	catch(const Exception& e)
+	{
+		EXPECT_EQ(e.what(), "Material 'Sky' is of kind 'sunsky', which this renderer does not support.");
+	}
+}
+
+TEST(SurfaceMaterials, MissingTextureFileIsAnError)
+{
+	Reference<SceneNodeRoot> root = newRoot();
+	Reference<DiffuseMaterial> m = new DiffuseMaterial();
+	Texture texture;
+	texture.path = "/nonexistent/wood.png";
+	m->textures.push_back(texture);
+	m->albedo = new TextureWavelengthDependentParam(0);
+	addSphere(*root, Vec3d(0, 0, 0), 1, addMaterial(*root, m));
+	try
+	{
+		TracerScene scene(*root, ".");
+		ADD_FAILURE() << "no exception";
+	}
+	catch(const Exception& e)
+	{
+		EXPECT_EQ(e.what(), "Could not open image file '/nonexistent/wood.png'.");
+	}
+}
+
+} // namespace
+} // namespace Standin
+} // namespace Velorn

@@ -1,0 +1,174 @@
+#include "standin/tone_mapping.h"
+
+#include "scene/render_setting_values.h"
+#include "scene/scene_node_render_settings.h"
+#include "scene/scene_node_tonemapping.h"
+#include "support/filter_function.h"
+#include "support/task_manager.h"
+
+#include <cmath>
+
+namespace Velorn
+{
+namespace Standin
+{
+
+namespace
+{
+
+// The luminance that the automatic exposure gives the mean of a picture.
+const double middle_grey = 0.18;
+
+// Linear sRGB of an XYZ colour.
+void xyzToRGB(double X, double Y, double Z, double rgb[3])
+{
+	rgb[0] = 3.2406 * X - 1.5372 * Y - 0.4986 * Z;
+	rgb[1] = -0.9689 * X + 1.8758 * Y + 0.0415 * Z;
+	rgb[2] = 0.0557 * X - 0.2040 * Y + 1.0570 * Z;
+}
+
+// Per-channel gains that make the white point's colour neutral, relative
+// to the equal-energy white (which the renderer's RGB white stands for).
+void whiteBalanceGains(double x, double y, double gains[3])
+{
+	double white[3], equal[3];
+	xyzToRGB(x / y, 1, (1 - x - y) / y, white);
+	xyzToRGB(1, 1, 1, equal);
+	for(int i = 0; i < 3; ++i)
+		gains[i] = white[i] > 0 ? equal[i] / white[i] : 1;
+	const double g = gains[1];
+	for(int i = 0; i < 3; ++i)
+		gains[i] /= g;
+}
+
+// The linear value of every channel after exposure, before the display curve.
+void exposeAll(const Image& linear, const ToneMapSettings& s, Image& out)
+{
+	out.resize(linear.getWidth(), linear.getHeight());
+	const double mean = meanLuminance(linear);
+	double gains[3] = {1, 1, 1};
+	double scale = 1;
+	switch(s.kind)
+	{
+	case ToneMapSettings::Linear:
+		scale = s.linear_scale;
+		break;
+	case ToneMapSettings::Reinhard:
+		scale = mean > 0 ? s.pre_scale * middle_grey / mean : 1;
+		break;
+	case ToneMapSettings::Camera:
+		scale = (mean > 0 ? middle_grey / mean : 1) * std::pow(2.0, s.ev_adjust);
+		whiteBalanceGains(s.white_x, s.white_y, gains);
+		break;
+	}
+	const double burn2 = s.burn * s.burn;
+	for(uint32_t y = 0; y < linear.getHeight(); ++y)
+		for(uint32_t x = 0; x < linear.getWidth(); ++x)
+		{
+			const float* p = linear.getPixel(x, y);
+			float* q = out.getPixel(x, y);
+			double c[3];
+			for(int i = 0; i < 3; ++i)
+				c[i] = p[i] * scale * gains[i];
+			if(s.kind == ToneMapSettings::Reinhard)
+			{
+				// L (1 + L / burn^2) / (1 + L) on the luminance, the colour kept.
+				const double L = 0.2126 * c[0] + 0.7152 * c[1] + 0.0722 * c[2];
+				const double Ld = L > 0 ? L * (1 + L / burn2) / (1 + L) * s.post_scale : 0;
+				for(int i = 0; i < 3; ++i)
+					c[i] = L > 0 ? c[i] * Ld / L : 0;
+			}
+			for(int i = 0; i < 3; ++i)
+				q[i] = (float)c[i];
+		}
+}
+
+} // namespace
+
+ToneMapSettings ToneMapSettings::fromNodes(const SceneNode* tone_mapping, const SceneNode* settings, double gamma)
+{
+	ToneMapSettings s;
+	s.gamma = gamma > 0 ? gamma : 2.2;
+	if(auto* node = dynamic_cast<const SceneNodeTonemapping*>(tone_mapping))
+	{
+		switch(node->tone_mapping_type)
+		{
+		case SceneNodeTonemapping::Reinhard:
+			s.kind = Reinhard;
+			break;
+		case SceneNodeTonemapping::CameraResponse:
+			s.kind = Camera;
+			break;
+		default:
+			s.kind = Linear;
+			break;
+		}
+		s.linear_scale = node->linear_scale;
+		s.pre_scale = node->pre_scale;
+		s.post_scale = node->post_scale;
+		s.burn = node->burn;
+		s.ev_adjust = node->ev_adjust;
+	}
+	if(auto* rs = dynamic_cast<const SceneNodeRenderSettings*>(settings))
+		if(rs->white_point.nonNull() && rs->white_point->y > 0)
+		{
+			s.white_x = rs->white_point->x;
+			s.white_y = rs->white_point->y;
+		}
+	return s;
+}
+
+void resolveBuffer(const MasterBuffer& buffer, const double* layer_gains, uint32_t ss, Image& out)
+{
+	Image sum(buffer.getInternalWidth(), buffer.getInternalHeight());
+	for(size_t l = 0; l < buffer.layers.size(); ++l)
+	{
+		const float gain = layer_gains ? (float)layer_gains[l] : 1.0f;
+		const float* src = buffer.layers[l].image.getData();
+		float* dst = sum.getData();
+		for(size_t i = 0; i < sum.numPixels() * 3; ++i)
+			dst[i] += src[i] * gain;
+	}
+	TaskManager tasks(1);
+	BoxFilterFunction box;
+	// The buffer's margin is 4 final pixels on each side.
+	sum.downsampleImage(ss, 4 * ss, box, out, tasks);
+}
+
+double meanLuminance(const Image& image)
+{
+	double total = 0;
+	const float* p = image.getData();
+	for(size_t i = 0; i < image.numPixels(); ++i, p += 3)
+		total += 0.2126 * p[0] + 0.7152 * p[1] + 0.0722 * p[2];
+	return image.numPixels() ? total / image.numPixels() : 0;
+}
+
+void toneMapToFloat(const Image& linear, const ToneMapSettings& settings, Image& out)
+{
+	exposeAll(linear, settings, out);
+	float* p = out.getData();
+	for(size_t i = 0; i < out.numPixels() * 3; ++i)
+		p[i] = (float)std::pow(std::fmin(std::fmax((double)p[i], 0.0), 1.0), 1 / settings.gamma);
+}
+
+void toneMap(const Image& linear, const ToneMapSettings& settings, Bitmap& out)
+{
+	Image display;
+	toneMapToFloat(linear, settings, display);
+	const uint32_t bpp = out.getBytesPP() == 4 ? 4 : 3;
+	out.resize(linear.getWidth(), linear.getHeight(), bpp);
+	for(uint32_t y = 0; y < linear.getHeight(); ++y)
+		for(uint32_t x = 0; x < linear.getWidth(); ++x)
+		{
+			const float* p = display.getPixel(x, y);
+			uint8_t* q = out.getPixel(x, y);
+			for(int i = 0; i < 3; ++i)
+				q[i] = (uint8_t)std::lround(p[i] * 255.0f);
+			if(bpp == 4)
+				q[3] = 255;
+		}
+}
+
+} // namespace Standin
+} // namespace Velorn

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "support/bitmap.h"
+#include "support/image.h"
+#include "support/master_buffer.h"
+
+namespace Velorn
+{
+
+class SceneNode;
+
+namespace Standin
+{
+
+// How the linear picture becomes 8-bit: by a scale (linear), by Reinhard's
+// operator keyed to the picture's mean luminance, or as a camera would
+// (automatic exposure corrected by ev_adjust, white balance, and the film's
+// response reduced to the display gamma).
+struct ToneMapSettings
+{
+	enum Kind
+	{
+		Linear,
+		Reinhard,
+		Camera
+	} kind = Linear;
+	double linear_scale = 1;
+	double pre_scale = 4, post_scale = 1, burn = 6;
+	double ev_adjust = 0;
+	// The illuminant that is to look white, as CIE 1931 x and y.
+	double white_x = 1.0 / 3, white_y = 1.0 / 3;
+	double gamma = 2.2;
+
+	// From a tone mapping node (null: linear, scale 1) and the render
+	// settings' white point (null: equal energy).
+	static ToneMapSettings fromNodes(const SceneNode* tone_mapping, const SceneNode* settings, double gamma);
+};
+
+// The final linear picture of a buffer: its layers summed, each times the
+// gain of its layer setting (1 where there is none), the margin dropped and
+// the supersamples averaged.
+void resolveBuffer(const MasterBuffer& buffer, const double* layer_gains, uint32_t super_sample_factor, Image& out);
+
+// The picture's mean luminance, over all pixels.
+double meanLuminance(const Image& image);
+
+// Writes the tone mapped picture into a bitmap of its size, 3 or 4 bytes
+// per pixel (a fourth byte is 255).
+void toneMap(const Image& linear, const ToneMapSettings& settings, Bitmap& out);
+// The same into floats after the display curve, 0 to 1.
+void toneMapToFloat(const Image& linear, const ToneMapSettings& settings, Image& out);
+
+} // namespace Standin
+} // namespace Velorn

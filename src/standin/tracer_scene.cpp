@@ -1,0 +1,476 @@
+#include "standin/tracer_scene.h"
+
+#include "mesh/mesh.h"
+#include "scene/rotation.h"
+#include "scene/scene_node_camera.h"
+#include "scene/scene_node_material.h"
+#include "scene/scene_node_mesh.h"
+#include "scene/scene_node_model.h"
+#include "scene/scene_node_render_settings.h"
+#include "scene/scene_node_root.h"
+#include "scene/scene_node_sphere.h"
+#include "support/exceptions.h"
+
+#include <cmath>
+#include <limits>
+
+namespace Velorn
+{
+namespace Standin
+{
+
+namespace
+{
+
+// The largest final picture side this renderer accepts.
+const int32_t max_image_side = 16384;
+// Offset of a new ray's origin from the surface it leaves.
+const float ray_epsilon = 1e-4f;
+
+V3 toV3(const Vec3d& v) { return V3((float)v.x, (float)v.y, (float)v.z); }
+
+V3 mul(const Matrix3d& m, const V3& v)
+{
+	return V3((float)(m.e[0] * v.x + m.e[1] * v.y + m.e[2] * v.z), (float)(m.e[3] * v.x + m.e[4] * v.y + m.e[5] * v.z),
+		(float)(m.e[6] * v.x + m.e[7] * v.y + m.e[8] * v.z));
+}
+
+// The cofactor matrix: it carries normals as the inverse transpose does, up
+// to a positive factor for orientation-keeping transforms.
+Matrix3d cofactor(const Matrix3d& m)
+{
+	const double* a = m.e;
+	Matrix3d c;
+	c.e[0] = a[4] * a[8] - a[5] * a[7];
+	c.e[1] = a[5] * a[6] - a[3] * a[8];
+	c.e[2] = a[3] * a[7] - a[4] * a[6];
+	c.e[3] = a[2] * a[7] - a[1] * a[8];
+	c.e[4] = a[0] * a[8] - a[2] * a[6];
+	c.e[5] = a[1] * a[6] - a[0] * a[7];
+	c.e[6] = a[1] * a[5] - a[2] * a[4];
+	c.e[7] = a[2] * a[3] - a[0] * a[5];
+	c.e[8] = a[0] * a[4] - a[1] * a[3];
+	return c;
+}
+
+int32_t readInt(const SceneNodeRenderSettings& s, const char* key, int32_t fallback)
+{
+	return s.settings.contains(key) ? s.getInt(key) : fallback;
+}
+
+} // namespace
+
+// The spheres as an Embree user geometry.
+struct SphereCallbacks
+{
+	static void bounds(const RTCBoundsFunctionArguments* args)
+	{
+		const auto* scene = static_cast<const TracerScene*>(args->geometryUserPtr);
+		const PlacedSphere& s = scene->spheres[args->primID];
+		args->bounds_o->lower_x = s.centre.x - s.radius;
+		args->bounds_o->lower_y = s.centre.y - s.radius;
+		args->bounds_o->lower_z = s.centre.z - s.radius;
+		args->bounds_o->upper_x = s.centre.x + s.radius;
+		args->bounds_o->upper_y = s.centre.y + s.radius;
+		args->bounds_o->upper_z = s.centre.z + s.radius;
+	}
+
+	// The nearest root of |o + t d - c| = r within (tnear, tfar), or a
+	// negative value.
+	static float hitDistance(const PlacedSphere& s, const V3& o, const V3& d, float tnear, float tfar)
+	{
+		const V3 oc = o - s.centre;
+		const float a = dot(d, d);
+		const float b = dot(oc, d);
+		const float c = dot(oc, oc) - s.radius * s.radius;
+		const float disc = b * b - a * c;
+		if(disc < 0)
+			return -1;
+		const float root = std::sqrt(disc);
+		const float t0 = (-b - root) / a, t1 = (-b + root) / a;
+		if(t0 > tnear && t0 < tfar)
+			return t0;
+		if(t1 > tnear && t1 < tfar)
+			return t1;
+		return -1;
+	}
+
+	static void intersect(const RTCIntersectFunctionNArguments* args)
+	{
+		const auto* scene = static_cast<const TracerScene*>(args->geometryUserPtr);
+		const PlacedSphere& s = scene->spheres[args->primID];
+		RTCRayN* rays = RTCRayHitN_RayN(args->rayhit, args->N);
+		RTCHitN* hits = RTCRayHitN_HitN(args->rayhit, args->N);
+		for(unsigned i = 0; i < args->N; ++i)
+		{
+			if(!args->valid[i])
+				continue;
+			const V3 o(RTCRayN_org_x(rays, args->N, i), RTCRayN_org_y(rays, args->N, i), RTCRayN_org_z(rays, args->N, i));
+			const V3 d(RTCRayN_dir_x(rays, args->N, i), RTCRayN_dir_y(rays, args->N, i), RTCRayN_dir_z(rays, args->N, i));
+			const float t = hitDistance(s, o, d, RTCRayN_tnear(rays, args->N, i), RTCRayN_tfar(rays, args->N, i));
+			if(t < 0)
+				continue;
+			const V3 n = o + d * t - s.centre;
+			RTCRayN_tfar(rays, args->N, i) = t;
+			RTCHitN_Ng_x(hits, args->N, i) = n.x;
+			RTCHitN_Ng_y(hits, args->N, i) = n.y;
+			RTCHitN_Ng_z(hits, args->N, i) = n.z;
+			RTCHitN_u(hits, args->N, i) = 0;
+			RTCHitN_v(hits, args->N, i) = 0;
+			RTCHitN_primID(hits, args->N, i) = args->primID;
+			RTCHitN_geomID(hits, args->N, i) = args->geomID;
+			RTCHitN_instID(hits, args->N, i, 0) = RTC_INVALID_GEOMETRY_ID;
+		}
+	}
+
+	static void occluded(const RTCOccludedFunctionNArguments* args)
+	{
+		const auto* scene = static_cast<const TracerScene*>(args->geometryUserPtr);
+		const PlacedSphere& s = scene->spheres[args->primID];
+		for(unsigned i = 0; i < args->N; ++i)
+		{
+			if(!args->valid[i])
+				continue;
+			RTCRayN* rays = args->ray;
+			const V3 o(RTCRayN_org_x(rays, args->N, i), RTCRayN_org_y(rays, args->N, i), RTCRayN_org_z(rays, args->N, i));
+			const V3 d(RTCRayN_dir_x(rays, args->N, i), RTCRayN_dir_y(rays, args->N, i), RTCRayN_dir_z(rays, args->N, i));
+			if(hitDistance(s, o, d, RTCRayN_tnear(rays, args->N, i), RTCRayN_tfar(rays, args->N, i)) >= 0)
+				RTCRayN_tfar(rays, args->N, i) = -std::numeric_limits<float>::infinity();
+		}
+	}
+};
+
+TracerScene::TracerScene(const SceneNodeRoot& root, const std::string& scene_dir)
+	: textures(scene_dir), materials(textures)
+{
+	const Reference<SceneNode> settings_node = root.getRenderSettingsNode();
+	if(settings_node.isNull())
+		throw Exception("no render settings node found.");
+	const auto& rs = static_cast<const SceneNodeRenderSettings&>(*settings_node);
+	const int32_t width = readInt(rs, "width", 0), height = readInt(rs, "height", 0);
+	if(width <= 0 || height <= 0 || width > max_image_side || height > max_image_side)
+		throw Exception("Image size " + std::to_string(width) + " x " + std::to_string(height) +
+						" is out of range (1 to " + std::to_string(max_image_side) + " pixels a side).");
+	const int32_t ss = readInt(rs, "super_sample_factor", 1);
+	if(ss < 1 || ss > 16)
+		throw Exception("super_sample_factor " + std::to_string(ss) + " is out of range (1 to 16).");
+	settings.width = (uint32_t)width;
+	settings.height = (uint32_t)height;
+	settings.super_sample_factor = (uint32_t)ss;
+	settings.max_depth = std::min(readInt(rs, "max_depth", 64), 1000);
+	settings.layer_count = root.getHighestEmissionLayerInTree() + 1;
+	settings.foreground_alpha = rs.settings.contains("render_foreground_alpha") && rs.getBool("render_foreground_alpha");
+
+	const Reference<SceneNode> camera_node = root.getCameraNode();
+	if(camera_node.isNull())
+		throw Exception("The scene has no camera.");
+	camera = std::make_unique<Camera>(static_cast<const SceneNodeCamera&>(*camera_node), settings.width, settings.height);
+
+	background = Background(root, materials);
+	addModels(root);
+	for(const std::string& name : materials.shader_warnings)
+		warnings.push_back("Material '" + name + "' uses shaders; they are read as constants.");
+	buildEmbree();
+}
+
+TracerScene::~TracerScene()
+{
+	if(scene)
+		rtcReleaseScene(scene);
+	if(device)
+		rtcReleaseDevice(device);
+}
+
+void TracerScene::addModels(const SceneNodeRoot& root)
+{
+	for(const Reference<SceneNode>& child : root.getChildren())
+	{
+		if(child->getType() == SceneNodeType::Sphere)
+		{
+			const auto& node = static_cast<const SceneNodeSphere&>(*child);
+			PlacedSphere sphere;
+			if(!node.keyframes.empty())
+				sphere.centre = toV3(node.keyframes[0].pos);
+			sphere.radius = (float)node.radius;
+			sphere.material = materials.get(node.material.getPointer());
+			spheres.push_back(sphere);
+			continue;
+		}
+		if(child->getType() != SceneNodeType::Model)
+			continue;
+		const auto& model = static_cast<const SceneNodeModel&>(*child);
+		if(model.geometry.isNull() || model.geometry->getType() != SceneNodeType::Mesh)
+		{
+			warnings.push_back("Model '" + model.getName().str() + "' has no mesh; it is left out.");
+			continue;
+		}
+		const auto& mesh_node = static_cast<const SceneNodeMesh&>(*model.geometry);
+		if(mesh_node.mesh.isNull())
+			throw Exception("The mesh of model '" + model.getName().str() + "' is not loaded.");
+		const Mesh& mesh = *mesh_node.mesh;
+
+		// World = keyframe rotation * (model rotation * scale * p) + position,
+		// all at time 0.
+		Matrix3d m = model.rotation.nonNull() ? model.rotation->getMatrix() : Matrix3d();
+		m = m * (model.scale * mesh_node.scale);
+		V3 offset;
+		if(!model.keyframes.empty())
+		{
+			const KeyFrame& k = model.keyframes[0];
+			offset = toV3(k.pos);
+			if(k.rotation_angle != 0)
+				m = Matrix3d::axisAngle(k.rotation_axis, k.rotation_angle) * m;
+		}
+		Matrix3d normal_matrix = cofactor(m);
+
+		PlacedMesh placed;
+		placed.invisible_to_camera = model.invisible_to_camera;
+		placed.positions.reserve(mesh.verts.size());
+		for(const Vec3f& v : mesh.verts)
+			placed.positions.push_back(mul(m, V3(v.x, v.y, v.z)) + offset);
+		if(mesh.normals.size() == mesh.verts.size())
+			for(const Vec3f& n : mesh.normals)
+				placed.normals.push_back(normalise(mul(normal_matrix, V3(n.x, n.y, n.z))));
+
+		std::vector<const ShadingMaterial*> model_materials;
+		for(const Reference<SceneNodeMaterial>& material : model.materials)
+			model_materials.push_back(materials.get(material.getPointer()));
+
+		auto addTriangle = [&](const uint32_t* v, const uint32_t* uv, uint32_t mat_index) {
+			for(int i = 0; i < 3; ++i)
+			{
+				placed.indices.push_back(v[i]);
+				float u = 0, w = 0;
+				if(mesh.num_uv_mappings > 0)
+				{
+					const Vec2f& pair = mesh.uv_pairs[(size_t)uv[i] * mesh.num_uv_mappings];
+					u = pair.u;
+					w = pair.v;
+				}
+				placed.uvs.push_back(u);
+				placed.uvs.push_back(w);
+			}
+			placed.triangle_materials.push_back(
+				mat_index < model_materials.size() ? model_materials[mat_index] : materials.get(nullptr));
+		};
+		for(const MeshTriangle& t : mesh.triangles)
+			addTriangle(t.vertex_indices, t.uv_indices, t.tri_mat_index);
+		for(const MeshQuad& q : mesh.quads)
+		{
+			const uint32_t v1[3] = {q.vertex_indices[0], q.vertex_indices[1], q.vertex_indices[2]};
+			const uint32_t u1[3] = {q.uv_indices[0], q.uv_indices[1], q.uv_indices[2]};
+			const uint32_t v2[3] = {q.vertex_indices[0], q.vertex_indices[2], q.vertex_indices[3]};
+			const uint32_t u2[3] = {q.uv_indices[0], q.uv_indices[2], q.uv_indices[3]};
+			addTriangle(v1, u1, q.mat_index);
+			addTriangle(v2, u2, q.mat_index);
+		}
+		if(!placed.indices.empty())
+			meshes.push_back(std::move(placed));
+	}
+}
+
+void TracerScene::buildEmbree()
+{
+	device = rtcNewDevice(nullptr);
+	if(!device)
+		throw Exception("Could not create the ray tracing device.");
+	scene = rtcNewScene(device);
+	for(size_t i = 0; i < meshes.size(); ++i)
+	{
+		const PlacedMesh& mesh = meshes[i];
+		RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
+		auto* v = static_cast<float*>(rtcSetNewGeometryBuffer(
+			geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, 3 * sizeof(float), mesh.positions.size()));
+		for(size_t k = 0; k < mesh.positions.size(); ++k)
+		{
+			v[k * 3] = mesh.positions[k].x;
+			v[k * 3 + 1] = mesh.positions[k].y;
+			v[k * 3 + 2] = mesh.positions[k].z;
+		}
+		auto* idx = static_cast<uint32_t*>(rtcSetNewGeometryBuffer(
+			geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, 3 * sizeof(uint32_t), mesh.indices.size() / 3));
+		std::copy(mesh.indices.begin(), mesh.indices.end(), idx);
+		rtcCommitGeometry(geometry);
+		const unsigned id = rtcAttachGeometry(scene, geometry);
+		rtcReleaseGeometry(geometry);
+		if(geometry_mesh.size() <= id)
+			geometry_mesh.resize(id + 1, -1);
+		geometry_mesh[id] = (int)i;
+	}
+	if(!spheres.empty())
+	{
+		RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_USER);
+		rtcSetGeometryUserPrimitiveCount(geometry, (unsigned)spheres.size());
+		rtcSetGeometryUserData(geometry, this);
+		rtcSetGeometryBoundsFunction(geometry, &SphereCallbacks::bounds, this);
+		rtcSetGeometryIntersectFunction(geometry, &SphereCallbacks::intersect);
+		rtcSetGeometryOccludedFunction(geometry, &SphereCallbacks::occluded);
+		rtcCommitGeometry(geometry);
+		sphere_geometry = rtcAttachGeometry(scene, geometry);
+		rtcReleaseGeometry(geometry);
+	}
+	rtcCommitScene(scene);
+}
+
+bool TracerScene::intersect(const V3& origin, const V3& dir, float t_near, float t_far, RTCRayHit& out) const
+{
+	RTCIntersectContext context;
+	rtcInitIntersectContext(&context);
+	out.ray.org_x = origin.x;
+	out.ray.org_y = origin.y;
+	out.ray.org_z = origin.z;
+	out.ray.dir_x = dir.x;
+	out.ray.dir_y = dir.y;
+	out.ray.dir_z = dir.z;
+	out.ray.tnear = t_near;
+	out.ray.tfar = t_far;
+	out.ray.time = 0;
+	out.ray.mask = 0xFFFFFFFF;
+	out.ray.id = 0;
+	out.ray.flags = 0;
+	out.hit.geomID = RTC_INVALID_GEOMETRY_ID;
+	out.hit.instID[0] = RTC_INVALID_GEOMETRY_ID;
+	rtcIntersect1(scene, &context, &out);
+	return out.hit.geomID != RTC_INVALID_GEOMETRY_ID;
+}
+
+bool TracerScene::occluded(const V3& origin, const V3& dir, float t_near, float t_far) const
+{
+	RTCIntersectContext context;
+	rtcInitIntersectContext(&context);
+	RTCRay ray;
+	ray.org_x = origin.x;
+	ray.org_y = origin.y;
+	ray.org_z = origin.z;
+	ray.dir_x = dir.x;
+	ray.dir_y = dir.y;
+	ray.dir_z = dir.z;
+	ray.tnear = t_near;
+	ray.tfar = t_far;
+	ray.time = 0;
+	ray.mask = 0xFFFFFFFF;
+	ray.id = 0;
+	ray.flags = 0;
+	rtcOccluded1(scene, &context, &ray);
+	return ray.tfar < 0;
+}
+
+SurfacePoint TracerScene::surfaceAt(const RTCRayHit& hit, const V3& origin, const V3& dir,
+	const ShadingMaterial*& material, bool& invisible_to_camera) const
+{
+	SurfacePoint sp;
+	sp.position = origin + dir * hit.ray.tfar;
+	V3 outward;
+	V3 shading;
+	invisible_to_camera = false;
+	if(hit.hit.geomID == sphere_geometry)
+	{
+		const PlacedSphere& s = spheres[hit.hit.primID];
+		outward = normalise(sp.position - s.centre);
+		shading = outward;
+		material = s.material;
+		// Longitude and latitude as texture coordinates.
+		sp.u = std::atan2(outward.y, outward.x) / (2 * pi) + 0.5f;
+		sp.v = std::asin(std::fmin(std::fmax(outward.z, -1.0f), 1.0f)) / pi + 0.5f;
+	}
+	else
+	{
+		const PlacedMesh& mesh = meshes[geometry_mesh[hit.hit.geomID]];
+		const size_t tri = hit.hit.primID;
+		const uint32_t* idx = &mesh.indices[tri * 3];
+		const V3 &p0 = mesh.positions[idx[0]], &p1 = mesh.positions[idx[1]], &p2 = mesh.positions[idx[2]];
+		outward = normalise(cross(p1 - p0, p2 - p0));
+		const float b1 = hit.hit.u, b2 = hit.hit.v, b0 = 1 - b1 - b2;
+		shading = mesh.normals.empty()
+					  ? outward
+					  : normalise(mesh.normals[idx[0]] * b0 + mesh.normals[idx[1]] * b1 + mesh.normals[idx[2]] * b2);
+		const float* uv = &mesh.uvs[tri * 6];
+		sp.u = uv[0] * b0 + uv[2] * b1 + uv[4] * b2;
+		sp.v = uv[1] * b0 + uv[3] * b1 + uv[5] * b2;
+		material = mesh.triangle_materials[tri];
+		invisible_to_camera = mesh.invisible_to_camera;
+	}
+	sp.front_face = dot(dir, outward) < 0;
+	sp.geometric_normal = sp.front_face ? outward : -outward;
+	sp.shading_normal = dot(shading, sp.geometric_normal) < 0 ? -shading : shading;
+	return sp;
+}
+
+void TracerScene::radiance(const Ray& camera_ray, Rng& rng, std::vector<V3>& layers, bool& hit_out) const
+{
+	hit_out = false;
+	V3 origin = camera_ray.origin, dir = camera_ray.dir;
+	V3 weight(1);
+	// The camera sees the sun's disc, as does every path after a specular
+	// bounce, which cannot sample the sun itself.
+	bool after_specular = true;
+	const float infinity = std::numeric_limits<float>::infinity();
+	for(int depth = 0; depth <= settings.max_depth; ++depth)
+	{
+		RTCRayHit hit;
+		const ShadingMaterial* material = nullptr;
+		bool invisible = false;
+		SurfacePoint sp;
+		bool found = intersect(origin, dir, depth == 0 ? 0 : ray_epsilon, infinity, hit);
+		if(found)
+			sp = surfaceAt(hit, origin, dir, material, invisible);
+		// Geometry hidden from the camera lets camera rays through.
+		for(int skip = 0; found && invisible && depth == 0 && skip < 1000; ++skip)
+		{
+			origin = sp.position + dir * ray_epsilon;
+			found = intersect(origin, dir, 0, infinity, hit);
+			if(found)
+				sp = surfaceAt(hit, origin, dir, material, invisible);
+		}
+		if(!found)
+		{
+			background.addEscaped(dir, weight, after_specular, layers);
+			return;
+		}
+		if(depth == 0 && material->kind != SurfaceKind::Null)
+			hit_out = true;
+
+		const V3 wo = -dir;
+		addEmission(*material, sp, weight, layers);
+
+		const Lobe lobe = chooseLobe(*material, sp, wo, rng, weight);
+		const bool specular = isSpecularLobe(lobe);
+		if(!specular && background.has_sun && background.sun_layer < layers.size() &&
+			!background.sun_irradiance.isBlack())
+		{
+			// One direction within the sun's disc; the disc's radiance times
+			// its solid angle is its irradiance.
+			const Frame sun_frame(background.sun_dir);
+			const V3 wi = sun_frame.toWorld(sampleCone(rng.uniform(), rng.uniform(), background.sun_cos_max));
+			const V3 f = evalLobe(lobe, sp, wo, wi);
+			if(!f.isBlack())
+			{
+				const V3 start = sp.position + sp.geometric_normal * (dot(wi, sp.geometric_normal) > 0 ? ray_epsilon : -ray_epsilon);
+				if(!occluded(start, wi, ray_epsilon, infinity))
+					layers[background.sun_layer] += weight * f * background.sun_irradiance;
+			}
+		}
+
+		V3 wi, w;
+		if(!sampleLobe(lobe, sp, wo, rng, wi, w))
+			return;
+		weight *= w;
+		if(weight.isBlack())
+			return;
+		after_specular = specular;
+
+		// Russian roulette once a path has had a few bounces.
+		if(depth >= 3)
+		{
+			const float keep = std::fmin(0.95f, weight.maxComponent());
+			if(rng.uniform() >= keep)
+				return;
+			weight *= 1 / keep;
+		}
+		origin = sp.position + sp.geometric_normal * (dot(wi, sp.geometric_normal) > 0 ? ray_epsilon : -ray_epsilon);
+		dir = wi;
+	}
+}
+
+} // namespace Standin
+} // namespace Velorn

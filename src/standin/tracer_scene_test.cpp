@@ -1,0 +1,194 @@
+#include "standin/progressive_render.h"
+#include "standin/standin_test_helpers.h"
+#include "standin/tracer_scene.h"
+#include "support/exceptions.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+namespace Velorn
+{
+namespace Standin
+{
+namespace
+{
+
+using namespace StandinTest;
+
+// The mean over n paths along one ray of layer 0.
+double meanRadiance(const TracerScene& scene, const Ray& ray, int n, uint64_t seed = 7)
+{
+	double sum = 0;
+	std::vector<V3> layers(scene.getSettings().layer_count);
+	for(int i = 0; i < n; ++i)
+	{
+		Rng rng(seed, (uint64_t)i);
+		std::fill(layers.begin(), layers.end(), V3(0));
+		bool hit = false;
+		scene.radiance(ray, rng, layers, hit);
+		sum += layers[0].average();
+	}
+	return sum / n;
+}
+
+TEST(TracerScene, WhiteFurnaceGivesAlbedoTimesBackground)
+{
+	// A convex diffuse sphere under a uniform sky reflects light only once:
+	// its radiance is albedo times the sky's, whatever the direction.
+	const struct
+	{
+		double albedo;
+		double expected;
+	} cases[] = {{1.0, 2.0}, {0.5, 1.0}, {0.0, 0.0}};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.albedo);
+		Reference<SceneNodeRoot> root = makeRoot(4, 4, Vec3d(0, -5, 0), Vec3d(0, 1, 0));
+		addUniformBackground(*root, 2.0, 0);
+		addSphere(*root, Vec3d(0, 0, 0), 1, addMaterial(*root, diffuse(c.albedo)));
+		TracerScene scene(*root, ".");
+		// Rays at several points of the sphere, not only its centre.
+		for(const V3 target : {V3(0, 0, 0), V3(0.5f, 0, 0.3f), V3(-0.2f, 0, -0.8f)})
+		{
+			const Ray ray{V3(0, -5, 0), normalise(target - V3(0, -5, 0))};
+			EXPECT_NEAR(meanRadiance(scene, ray, 4000), c.expected, 0.02 * 2.0);
+		}
+		// A ray that misses sees the sky itself.
+		EXPECT_NEAR(meanRadiance(scene, Ray{V3(0, -5, 0), V3(0, 0, 1)}, 10), 2.0, 1e-6);
+	}
+}
+
+TEST(TracerScene, SpecularSpheresAlongTheAxis)
+{
+	// Along the axis of a smooth sphere every bounce stays on the axis. With
+	// F0 = ((n - 1) / (n + 1))^2 = 0.04 for n = 1.5, glass passes
+	// (1 - F0)^2 / (1 - F0^2) = (1 - F0) / (1 + F0) of the light from behind
+	// and returns F0 + (1 - F0)^2 F0 / (1 - F0^2) = 2 F0 / (1 + F0) of the
+	// light from the camera's side; a mirror returns all of the latter.
+	const double f0 = 0.04;
+	const struct
+	{
+		const char* name;
+		bool transparent;
+		double emitter_y;  // an emitting sphere behind the target (10) or behind the camera (-12)
+		double expected;
+	} cases[] = {
+		{"glass, light behind", true, 10, (1 - f0) / (1 + f0)},
+		{"glass, light in front", true, -12, 2 * f0 / (1 + f0)},
+		{"mirror, light in front", false, -12, 1.0},
+		{"mirror, light behind", false, 10, 0.0},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.name);
+		Reference<SceneNodeRoot> root = makeRoot(4, 4, Vec3d(0, -5, 0), Vec3d(0, 1, 0));
+		addSphere(*root, Vec3d(0, 0, 0), 1, addMaterial(*root, specular(*root, c.transparent, 1.5)));
+		addSphere(*root, Vec3d(0, c.emitter_y, 0), 3, addMaterial(*root, emitter(1.0, 0)));
+		TracerScene scene(*root, ".");
+		const double mean = meanRadiance(scene, Ray{V3(0, -5, 0), V3(0, 1, 0)}, 100000);
+		EXPECT_NEAR(mean, c.expected, std::max(0.04 * c.expected, 0.002));
+	}
+}
+
+TEST(TracerScene, LightLayersSumToTheWhole)
+{
+	// The same paths with the two lights in layers of their own and in one
+	// layer: the layers must add up to the single layer, pixel by pixel.
+	auto render = [](unsigned emitter_layer, unsigned threads) {
+		Reference<SceneNodeRoot> root = makeRoot(6, 5, Vec3d(0, -5, 1), Vec3d(0, 0.98, -0.2));
+		addUniformBackground(*root, 0.7, 0);
+		addSphere(*root, Vec3d(0, 0, 0), 1, addMaterial(*root, diffuse(0.6)));
+		addSphere(*root, Vec3d(1.5, -1, 2), 0.7, addMaterial(*root, emitter(4.0, emitter_layer)));
+		auto scene = std::make_shared<TracerScene>(*root, ".");
+		const uint32_t w = (6 + 8), h = (5 + 8);
+		auto buffer = std::make_unique<MasterBuffer>(w, h, scene->getSettings().layer_count, 6, 5,
+			std::vector<std::string>(), false);
+		std::mutex mutex;
+		ProgressiveRender r(scene, *buffer, mutex, threads, 99);
+		r.setHalt(3, -1);
+		r.start();
+		r.waitUntilDone();
+		EXPECT_EQ(r.getSamplesPerPixel(), 3);
+		return buffer;
+	};
+	const auto separate = render(1, 1);
+	const auto joined = render(0, 1);
+	const auto joined_two_threads = render(0, 2);
+	ASSERT_EQ(separate->layers.size(), 2u);
+	ASSERT_EQ(joined->layers.size(), 1u);
+	double layer1_total = 0;
+	for(uint32_t y = 0; y < 13; ++y)
+		for(uint32_t x = 0; x < 14; ++x)
+			for(int c = 0; c < 3; ++c)
+			{
+				const float a = separate->layers[0].image.getPixel(x, y)[c];
+				const float b = separate->layers[1].image.getPixel(x, y)[c];
+				const float whole = joined->layers[0].image.getPixel(x, y)[c];
+				EXPECT_NEAR(a + b, whole, 1e-4f * (1 + whole));
+				// The picture does not depend on how rows were shared out.
+				EXPECT_EQ(whole, joined_two_threads->layers[0].image.getPixel(x, y)[c]);
+				layer1_total += b;
+			}
+	// The emitter's layer holds light of its own.
+	EXPECT_GT(layer1_total, 0);
+}
+
+TEST(TracerScene, RejectsWhatItCannotRender)
+{
+	const struct
+	{
+		int width, height;
+		const char* message;
+	} cases[] = {
+		{0, 10, "Image size 0 x 10 is out of range (1 to 16384 pixels a side)."},
+		{10, 20000, "Image size 10 x 20000 is out of range (1 to 16384 pixels a side)."},
+	};
+	for(const auto& c : cases)
+	{
+		Reference<SceneNodeRoot> root = makeRoot(c.width, c.height, Vec3d(0, -5, 0), Vec3d(0, 1, 0));
+		try
+		{
+			TracerScene scene(*root, ".");
+			ADD_FAILURE() << "no exception for " << c.width << " x " << c.height;
+		}
+		catch(const Exception& e)
+		{
+			EXPECT_EQ(e.what(), c.message);
+		}
+	}
+}
+
+TEST(ProgressiveRender, PausesAndStopsPromptly)
+{
+	Reference<SceneNodeRoot> root = makeRoot(64, 64, Vec3d(0, -5, 0), Vec3d(0, 1, 0));
+	addUniformBackground(*root, 1.0, 0);
+	addSphere(*root, Vec3d(0, 0, 0), 1, addMaterial(*root, diffuse(0.8)));
+	auto scene = std::make_shared<TracerScene>(*root, ".");
+	MasterBuffer buffer(72, 72, 1, 64, 64, {}, false);
+	std::mutex mutex;
+	ProgressiveRender r(scene, buffer, mutex, 2, 1);
+	r.start();
+	while(r.getSamplesPerPixel() < 1)
+		std::this_thread::sleep_for(std::chrono::milliseconds(5));
+	r.pause();
+	std::this_thread::sleep_for(std::chrono::milliseconds(50));
+	const double paused_spp = r.getSamplesPerPixel();
+	const double paused_time = r.getElapsedTime();
+	std::this_thread::sleep_for(std::chrono::milliseconds(150));
+	EXPECT_EQ(r.getSamplesPerPixel(), paused_spp);
+	EXPECT_NEAR(r.getElapsedTime(), paused_time, 0.02);
+	r.resume();
+	while(r.getSamplesPerPixel() <= paused_spp)
+		std::this_thread::sleep_for(std::chrono::milliseconds(5));
+	const auto before = std::chrono::steady_clock::now();
+	r.stop();
+	const double stop_ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - before).count();
+	EXPECT_LT(stop_ms, 100);
+	EXPECT_TRUE(r.isDone());
+}
+
+} // namespace
+} // namespace Standin
+} // namespace Velorn
