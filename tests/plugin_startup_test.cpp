@@ -106,8 +106,12 @@ TEST_F(InstalledPlugin, StartsWithItsLinesRegistrationsAndPreviewScenes)
 
 	// The plug-ins that exist, in the order of the registration table.
 	EXPECT_EQ(PluginRegistry::get().ids(),
-		(std::vector<int32_t>{1020892, 1021223, 1022083, 1022667, 1029978, 1020894, 1021852, 1024454, 1020896,
-			1022283, 1023863, 1024337, 1024768, 1024769, 1024770, 1029836}));
+		(std::vector<int32_t>{1020892, 1021223, 1022083, 1022667, 1029978, 1024339, 1024338, 1020894, 1021852,
+			1022469, 1023920, 1023984, 1024454, 1023696, 1023695, 1027825, 1022273, 1028908, 1020896, 1022283,
+			1023863, 1024337, 1024768, 1024769, 1024770, 1029836, 1027562}));
+	EXPECT_EQ(PluginRegistry::get().find(1023984)->help, String("Creates Instances"));
+	EXPECT_EQ(PluginRegistry::get().find(1022273)->info, 0x20000004);
+	EXPECT_EQ(PluginRegistry::get().find(1028908)->description, String("Ovelornsectionplane"));
 	EXPECT_EQ(PluginRegistry::get().find(1023863)->name, String("Velorn VSL Shader"));
 	EXPECT_EQ(PluginRegistry::get().find(1024770)->description, String("xvslgradient"));
 	EXPECT_EQ(PluginRegistry::get().find(1022083)->name, String("Velorn Camera Tag"));
@@ -122,6 +126,9 @@ TEST_F(InstalledPlugin, StartsWithItsLinesRegistrationsAndPreviewScenes)
 	EXPECT_EQ(convert->help, String("Convert Materials"));
 	EXPECT_EQ(convert->icon.GetFile().GetString(), String("ConvertMats.tif"));
 	EXPECT_EQ(convert->info, 0);
+	const PluginRecord* import = PluginRegistry::get().find(1022469);
+	EXPECT_EQ(import->help, String("Import .vlm"));
+	EXPECT_EQ(import->icon.GetFile().GetString(), String("Export.tif"));
 	const PluginRecord* newMaterial = PluginRegistry::get().find(1024454);
 	EXPECT_EQ(newMaterial->help, String("New Velorn Material"));
 	EXPECT_EQ(newMaterial->icon.GetFile().GetString(), String("materialhelper.tif"));
@@ -164,8 +171,9 @@ TEST_F(InstalledPlugin, MissingNameSkipsItsPluginAndBadPreviewSceneIsReported)
 	ASSERT_EQ(modules.start(Filename(String(dir.path().c_str()))), 1);
 
 	EXPECT_EQ(PluginRegistry::get().ids(),
-		(std::vector<int32_t>{1020892, 1021223, 1022667, 1029978, 1020894, 1021852, 1024454, 1020896, 1022283,
-			1023863, 1024337, 1024768, 1024769, 1024770, 1029836}));
+		(std::vector<int32_t>{1020892, 1021223, 1022667, 1029978, 1024339, 1024338, 1020894, 1021852, 1022469,
+			1023920, 1023984, 1024454, 1023696, 1023695, 1027825, 1022273, 1028908, 1020896, 1022283, 1023863,
+			1024337, 1024768, 1024769, 1024770, 1029836, 1027562}));
 	const Lines lines = printed();
 	ASSERT_GE(lines.size(), 4u);
 	EXPECT_EQ(lines[3], "Failed loading preview scene: broken.json");

@@ -107,6 +107,59 @@ void BaseDocument::GetActiveMaterials(AtomArray& selection) const
 			selection.Append(mat);
 }
 
+namespace
+{
+
+// Calls f with every object of the tree below first, depth first.
+template<typename F>
+void walkObjects(BaseObject* first, const F& f)
+{
+	for(BaseObject* op = first; op; op = op->GetNext())
+	{
+		f(op);
+		walkObjects(op->GetDown(), f);
+	}
+}
+
+// The only node of the selection; null when it holds none or several.
+BaseList2D* single(const AtomArray& selection)
+{
+	return selection.GetCount() == 1 ? selection.GetIndex(0) : nullptr;
+}
+
+} // namespace
+
+void BaseDocument::GetActiveObjects(AtomArray& selection) const
+{
+	walkObjects(GetFirstObject(), [&](BaseObject* op) {
+		if(op->GetBit(BIT_ACTIVE))
+			selection.Append(op);
+	});
+}
+
+BaseObject* BaseDocument::GetActiveObject() const
+{
+	AtomArray selection;
+	GetActiveObjects(selection);
+	return static_cast<BaseObject*>(single(selection));
+}
+
+void BaseDocument::GetActiveTags(AtomArray& selection) const
+{
+	walkObjects(GetFirstObject(), [&](BaseObject* op) {
+		for(BaseTag* tag = op->GetFirstTag(); tag; tag = tag->GetNext())
+			if(tag->GetBit(BIT_ACTIVE))
+				selection.Append(tag);
+	});
+}
+
+BaseTag* BaseDocument::GetActiveTag() const
+{
+	AtomArray selection;
+	GetActiveTags(selection);
+	return static_cast<BaseTag*>(single(selection));
+}
+
 void BaseDocument::SetActiveMaterial(BaseMaterial* mat, int32_t mode)
 {
 	if(mode == SELECTION_NEW)

@@ -91,6 +91,17 @@ public:
 	// SELECTION_ADD and SELECTION_SUB add it to or take it from the active ones.
 	void SetActiveMaterial(BaseMaterial* mat, int32_t mode = SELECTION_NEW);
 
+	// The objects of the tree with BIT_ACTIVE (selected in the object
+	// manager), in tree order, appended to selection; caches are not looked at.
+	void GetActiveObjects(AtomArray& selection) const;
+	// The one selected object; null when none or several are.
+	BaseObject* GetActiveObject() const;
+	// The selected tags (BIT_ACTIVE) of the tree's objects, object by object
+	// in tree order, appended to selection.
+	void GetActiveTags(AtomArray& selection) const;
+	// The one selected tag; null when none or several are.
+	BaseTag* GetActiveTag() const;
+
 	// Undo: entries are added between StartUndo and EndUndo, which make
 	// one group; groups nest, and the outermost pair closes the group. The
 	// headless host records the groups for tests instead of undoing.

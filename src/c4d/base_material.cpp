@@ -1,5 +1,26 @@
 #include "c4d/base_material.h"
 
+#include "c4d/base_bitmap.h"
+#include "c4d/node_data.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+// A colour component from 0 to 1 as a byte.
+int32_t toByte(double v)
+{
+	return (int32_t)std::lround(std::clamp(v, 0.0, 1.0) * 255.0);
+}
+
+} // namespace
+
+BaseMaterial::BaseMaterial(int32_t type) : TypedList2D(type) {}
+
+BaseMaterial::~BaseMaterial() = default;
+
 bool BaseMaterial::GetChannelState(int32_t channel) const
 {
 	return GetType() == Mmaterial && GetDataInstance()->GetBool(MATERIAL_USE_FIRST + channel);
@@ -11,6 +32,53 @@ BaseMaterial* BaseMaterial::GetClone() const
 	if(copy)
 		cloneInto(*copy);
 	return copy;
+}
+
+INITRENDERRESULT BaseMaterial::InitRender(const InitRenderStruct& irs)
+{
+	auto* data = dynamic_cast<MaterialData*>(GetNodeData());
+	return data ? data->InitRender(this, irs) : INITRENDERRESULT_OK;
+}
+
+void BaseMaterial::FreeRender()
+{
+	if(auto* data = dynamic_cast<MaterialData*>(GetNodeData()))
+		data->FreeRender(this);
+}
+
+void BaseMaterial::CalcSurface(VolumeData* vd)
+{
+	if(auto* data = dynamic_cast<MaterialData*>(GetNodeData()))
+		data->CalcSurface(this, vd);
+}
+
+void BaseMaterial::CalcTransparency(VolumeData* vd)
+{
+	if(auto* data = dynamic_cast<MaterialData*>(GetNodeData()))
+		data->CalcTransparency(this, vd);
+}
+
+bool BaseMaterial::Update(BaseDocument* doc)
+{
+	auto image = std::make_unique<BaseBitmap>();
+	if(image->Init(EDITOR_IMAGE_SIZE, EDITOR_IMAGE_SIZE, 24) != IMAGERESULT_OK)
+		return false;
+	if(auto* data = dynamic_cast<MaterialData*>(GetNodeData()))
+	{
+		if(!data->InitGLImage(this, doc, nullptr, image.get()))
+		{
+			editorImage.reset();
+			return false;
+		}
+	}
+	else
+	{
+		const BaseContainer* bc = GetDataInstance();
+		const Vector colour = bc->GetVector(MATERIAL_COLOR_COLOR) * bc->GetFloat(MATERIAL_COLOR_BRIGHTNESS);
+		image->Clear(toByte(colour.x), toByte(colour.y), toByte(colour.z));
+	}
+	editorImage = std::move(image);
+	return true;
 }
 
 void SetStandardMaterialDefaults(BaseContainer& data)

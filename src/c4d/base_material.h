@@ -3,6 +3,10 @@
 #include "c4d/base_list.h"
 #include "c4d/plugin_registry.h"
 
+#include <memory>
+
+class BaseBitmap;
+
 // The application's standard material.
 enum
 {
@@ -74,7 +78,8 @@ void SetStandardMaterialDefaults(BaseContainer& data);
 class BaseMaterial : public TypedList2D<BaseMaterial>
 {
 public:
-	using TypedList2D::TypedList2D;
+	explicit BaseMaterial(int32_t type);
+	~BaseMaterial() override;
 
 	// A free material of the given type with its defaults; null when the
 	// type is neither the host's material nor a registered material plug-in.
@@ -90,4 +95,29 @@ public:
 	// material owns, its links to them pointing to the copies; the plug-in's
 	// data starts from its Init. Null when the type is no longer known.
 	BaseMaterial* GetClone() const;
+
+	// The host's own render, through the plug-in's MaterialData; a
+	// material without one needs no preparing and leaves vd as it is.
+	INITRENDERRESULT InitRender(const InitRenderStruct& irs);
+	void FreeRender();
+	void CalcSurface(VolumeData* vd);
+	void CalcTransparency(VolumeData* vd);
+
+	// Draws the material's viewport image anew, as the application does
+	// when the material changes, EDITOR_IMAGE_SIZE square: a plug-in
+	// material draws it (InitGLImage); the host's own material is its
+	// colour times brightness. False, keeping no image, when the plug-in
+	// could not draw it.
+	bool Update(BaseDocument* doc);
+	// The image of the last Update; null before.
+	const BaseBitmap* GetEditorImage() const { return editorImage.get(); }
+
+private:
+	std::unique_ptr<BaseBitmap> editorImage;
+};
+
+// The side of the square viewport image of a material, in pixels.
+enum
+{
+	EDITOR_IMAGE_SIZE = 64,
 };

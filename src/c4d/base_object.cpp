@@ -28,6 +28,34 @@ BaseObject* BaseObject::Alloc(int32_t type)
 	return InitOrFree(new BaseObject(type), NodeClass::Object);
 }
 
+BaseObject* BaseObject::GetClone() const
+{
+	BaseObject* copy = Alloc(GetType());
+	if(!copy)
+		return nullptr;
+	cloneInto(*copy);
+	copy->ml = ml;
+	copy->renderMode = renderMode;
+	copy->editorMode = editorMode;
+	copy->deformMode = deformMode;
+	copy->tracks = tracks;
+	BaseTag* lastTag = nullptr;
+	for(const BaseTag* tag = GetFirstTag(); tag; tag = tag->GetNext())
+	{
+		if(BaseTag* tagCopy = tag->GetClone())
+		{
+			copy->InsertTag(tagCopy, lastTag);
+			lastTag = tagCopy;
+		}
+	}
+	for(const BaseObject* child = GetDown(); child; child = child->GetNext())
+	{
+		if(BaseObject* childCopy = child->GetClone())
+			childCopy->InsertUnderLast(copy);
+	}
+	return copy;
+}
+
 BaseObject* BaseObject::matrixParent() const
 {
 	BaseObject* parent = GetUp();

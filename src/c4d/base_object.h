@@ -21,6 +21,11 @@ enum
 	Oinstance = 5126,
 	Osphere = 5160,
 	Oplane = 5168,
+	// The base type of every object (BaseObject::IsInstanceOf).
+	Obase = 5155,
+	// An empty object of the host's that a generator can hand back as its
+	// cache when it has nothing to show of its own.
+	Oemptycache = 272,
 	// A host type that the export skips by number, with its caches, while
 	// still walking its children; what it is in the host does not matter.
 	Oskipped = 1011146,
@@ -73,6 +78,17 @@ public:
 
 	// A free object of the given type; Opolygon gives a PolygonObject.
 	static BaseObject* Alloc(int32_t type);
+
+	// Every object is an instance of Obase besides its own type.
+	bool IsInstanceOf(int32_t id) const override { return id == Obase || BaseList2D::IsInstanceOf(id); }
+
+	// A free copy of the object with its children: name, parameters, the
+	// shaders it owns, matrix, modes, keyframe tracks and copies of its tags
+	// (each by its GetClone), and the data of its class (the points and
+	// polygons of a polygon object). Caches are left out, as the host builds
+	// a generator's cache again. A child whose type is no longer known is
+	// left out; null when the object's own type is not.
+	virtual BaseObject* GetClone() const;
 
 	const Matrix& GetMl() const { return ml; }
 	void SetMl(const Matrix& m) { ml = m; }

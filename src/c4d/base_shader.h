@@ -3,6 +3,10 @@
 #include "c4d/base_list.h"
 #include "c4d/channel_data.h"
 
+#include <memory>
+
+class BaseBitmap;
+
 // The host's own shader types that documents and the plug-in use.
 enum
 {
@@ -28,6 +32,7 @@ class BaseShader : public TypedList2D<BaseShader>
 {
 public:
 	using TypedList2D::TypedList2D;
+	~BaseShader() override;
 
 	// A free shader of the given type with its defaults; null when the type
 	// is neither one of the host's shaders nor a registered shader plug-in.
@@ -40,8 +45,14 @@ public:
 	BaseShader* GetClone() const;
 
 	// The render calls as the host makes them: a plug-in shader answers
-	// through its ShaderData; the host's colour shader gives its colour,
-	// the host's bitmap shader black until image sampling comes.
+	// through its ShaderData; the host's colour shader gives its colour.
+	// The host's bitmap shader loads its picture in InitRender (a relative
+	// file name beside the document; INITRENDERRESULT_ASSETMISSING when
+	// there is no file to load, INITRENDERRESULT_UNKNOWNERROR when it holds
+	// no picture that can be read), samples it as tiles over the UV square
+	// (v = 0 the top row; each point takes the pixel whose area holds it, in
+	// components from 0 to 1) and drops it in FreeRender. Sample may be
+	// called from several threads between InitRender and FreeRender.
 	INITRENDERRESULT InitRender(const InitRenderStruct& irs);
 	void FreeRender();
 	Vector Sample(ChannelData* cd);
@@ -53,4 +64,11 @@ protected:
 	ShaderData* shaderData() const;
 
 	bool ownsShadersAsChildren() const override { return true; }
+
+private:
+	INITRENDERRESULT loadPicture(const InitRenderStruct& irs);
+	Vector samplePicture(const ChannelData& cd) const;
+
+	// The bitmap shader's picture from InitRender to FreeRender.
+	std::unique_ptr<BaseBitmap> picture;
 };

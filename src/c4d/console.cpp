@@ -18,6 +18,7 @@ const char* printedTag(HostConsole::Kind kind)
 	case HostConsole::Kind::Status: return "[status] ";
 	case HostConsole::Kind::Bar: return "[progress] ";
 	case HostConsole::Kind::Clear: return "[status cleared]";
+	case HostConsole::Kind::Busy: return "[busy]";
 	}
 	return "";
 }
@@ -133,4 +134,9 @@ void StatusSetBar(int32_t percent)
 void StatusClear()
 {
 	HostConsole::get().clearStatus();
+}
+
+void StatusSetSpin()
+{
+	HostConsole::get().add(HostConsole::Kind::Busy, String());
 }

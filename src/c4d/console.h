@@ -22,6 +22,7 @@ public:
 		Status,   // the status bar's text
 		Bar,      // the status bar's progress, text is the percentage
 		Clear,    // the status bar emptied
+		Busy,     // the status bar shows that work goes on
 	};
 	struct Entry
 	{
@@ -69,3 +70,5 @@ void StatusSetText(const String& text);
 // The progress bar of the status bar, percent clipped to 0..100.
 void StatusSetBar(int32_t percent);
 void StatusClear();
+// The status bar shows that work goes on, without a measure of it.
+void StatusSetSpin();

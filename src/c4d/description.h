@@ -70,6 +70,11 @@ enum
 	DTYPE_FILENAME = 131,
 	DTYPE_BASELISTLINK = 133,
 	DTYPE_BOOL = 400006001,
+	// A button: it holds no value, and a press sends the node
+	// MSG_DESCRIPTION_COMMAND.
+	DTYPE_BUTTON = 8,
+	// A gadget that shows a picture (bitmap_gadget.h).
+	CUSTOMDATATYPE_BITMAP_GADGET = 1001053,
 };
 
 // Flags of GetDDescription, GetDParameter and SetDParameter.

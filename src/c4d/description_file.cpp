@@ -33,6 +33,8 @@ constexpr EntryType entryTypes[] = {
 	{"link", DTYPE_BASELISTLINK, 0},
 	{"shader", DTYPE_BASELISTLINK, Xbase},
 	{"material", DTYPE_BASELISTLINK, Mbase},
+	{"button", DTYPE_BUTTON, 0},
+	{"bitmap", CUSTOMDATATYPE_BITMAP_GADGET, 0},
 };
 
 // The numeric settings of ranges, by key.

@@ -206,7 +206,7 @@ TEST_F(DescriptionTest, BadFilesTellTheirPlace)
 		{entries(R"({"id": 0, "type": "bool"})"), ": entries[0].id: the id 0 is not positive"},
 		{entries(ok + R"({"id": 2, "type": "real"})"), ": entries[3].id: the id 2 is given twice"},
 		{entries(ok + R"({"id": 4, "type": "colour"})"), ": entries[3].type: unknown entry type 'colour' (one of "
-			"group, bool, long, real, vector, color, string, filename, link, shader, material)"},
+			"group, bool, long, real, vector, color, string, filename, link, shader, material, button, bitmap)"},
 		{entries(R"({"id": 1, "type": "bool", "name": 1.5})"),
 			": entries[0].name: expected a text or the id of a resource string"},
 		{entries(R"({"id": 1, "type": "group", "group": 1})"),

@@ -43,6 +43,57 @@ DialogAnswer DialogAnswer::cancel()
 	return DialogAnswer();
 }
 
+DialogAction DialogAction::set(int32_t id, const String& value)
+{
+	DialogAction a;
+	a.kind = Kind::Set;
+	a.id = id;
+	a.value = value;
+	return a;
+}
+
+DialogAction DialogAction::press(int32_t id)
+{
+	DialogAction a;
+	a.kind = Kind::Press;
+	a.id = id;
+	return a;
+}
+
+DialogAction DialogAction::key(const String& text)
+{
+	DialogAction a;
+	a.kind = Kind::Key;
+	a.value = text;
+	return a;
+}
+
+DialogAction DialogAction::close()
+{
+	return DialogAction();
+}
+
+DialogAction DialogAction::wait(int32_t ms)
+{
+	DialogAction a;
+	a.kind = Kind::Wait;
+	a.ms = ms;
+	return a;
+}
+
+String DialogAction::describe() const
+{
+	switch(kind)
+	{
+	case Kind::Set: return String("set ") + String::IntToString(id) + String(" to ") + value;
+	case Kind::Press: return String("press ") + String::IntToString(id);
+	case Kind::Key: return String("key ") + value;
+	case Kind::Close: return String("close");
+	case Kind::Wait: return String("wait ") + String::IntToString(ms) + String(" ms");
+	}
+	return String();
+}
+
 DialogScript& DialogScript::get()
 {
 	static DialogScript script;
@@ -72,6 +123,42 @@ void DialogScript::clear()
 	std::lock_guard<std::mutex> lock(mutex);
 	answers.clear();
 	asked.clear();
+	actions.clear();
+	taken.clear();
+}
+
+void DialogScript::pushAction(const DialogAction& action)
+{
+	std::lock_guard<std::mutex> lock(mutex);
+	actions.push_back(action);
+}
+
+size_t DialogScript::pendingActions() const
+{
+	std::lock_guard<std::mutex> lock(mutex);
+	return actions.size();
+}
+
+bool DialogScript::nextAction(DialogAction& action)
+{
+	std::lock_guard<std::mutex> lock(mutex);
+	if(actions.empty())
+		return false;
+	action = actions.front();
+	actions.pop_front();
+	return true;
+}
+
+void DialogScript::recordAction(const DialogActionRecord& record)
+{
+	std::lock_guard<std::mutex> lock(mutex);
+	taken.push_back(record);
+}
+
+std::vector<DialogActionRecord> DialogScript::actionsTaken() const
+{
+	std::lock_guard<std::mutex> lock(mutex);
+	return taken;
 }
 
 DialogRequest DialogScript::ask(DialogRequest::Kind kind, const String& title)

@@ -2,6 +2,7 @@
 
 #include "c4d/filename.h"
 
+#include <cstdint>
 #include <deque>
 #include <mutex>
 #include <vector>
@@ -54,6 +55,44 @@ struct DialogRequest
 	bool answered() const;
 };
 
+// What a user does in an open dialog (ge_dialog.h): the host's dialog loop
+// takes these in order and hands each to the dialog in front.
+struct DialogAction
+{
+	enum class Kind
+	{
+		Set,   // types value into the item id (a check box takes on/off, 1/0, true/false)
+		Press, // clicks the button id
+		Key,   // presses the key whose text is value
+		Close, // clicks the window's close box
+		Wait,  // does nothing for ms milliseconds, so that timers run meanwhile
+	};
+	Kind kind = Kind::Close;
+	int32_t id = 0;
+	String value;
+	int32_t ms = 0;
+
+	static DialogAction set(int32_t id, const String& value);
+	static DialogAction press(int32_t id);
+	static DialogAction key(const String& text);
+	static DialogAction close();
+	static DialogAction wait(int32_t ms);
+
+	// "set 10011 to 256", "press 10001", "key x", "close", "wait 20 ms".
+	String describe() const;
+};
+
+// A dialog action as the dialog took it.
+struct DialogActionRecord
+{
+	// The title of the dialog the action went to.
+	String dialog;
+	DialogAction action;
+	// Empty when the dialog took the action; otherwise why no user could
+	// have done it ("no item 99", "item 10002 is disabled").
+	String refused;
+};
+
 // Where the application would wait for the user, the headless host takes the
 // next answer of this script, which the caller or a test fills beforehand.
 // An empty script cancels. An answer of the wrong kind (a button press for a
@@ -70,16 +109,28 @@ public:
 	size_t pending() const;
 	// Every dialog asked for, oldest first.
 	std::vector<DialogRequest> requests() const;
-	// Forgets the answers and the requests.
+	// Forgets the answers, the dialog actions and the records of both.
 	void clear();
 
 	// Takes the next answer for a dialog of kind with title and records it.
 	DialogRequest ask(DialogRequest::Kind kind, const String& title);
 
+	// Dialog actions, kept apart from the answers: a button that opens a
+	// file requester takes its action here and its file from the answers.
+	void pushAction(const DialogAction& action);
+	size_t pendingActions() const;
+	// Takes the next action; false when there is none.
+	bool nextAction(DialogAction& action);
+	// Every action taken, oldest first.
+	void recordAction(const DialogActionRecord& record);
+	std::vector<DialogActionRecord> actionsTaken() const;
+
 private:
 	mutable std::mutex mutex;
 	std::deque<DialogAnswer> answers;
 	std::vector<DialogRequest> asked;
+	std::deque<DialogAction> actions;
+	std::vector<DialogActionRecord> taken;
 };
 
 // The host's file requester: out gets the chosen file or directory; false

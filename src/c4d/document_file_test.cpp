@@ -1,3 +1,4 @@
+#include "c4d/atom_array.h"
 #include "c4d/base_material.h"
 #include "c4d/base_shader.h"
 #include "c4d/document_file.h"
@@ -377,6 +378,49 @@ TEST(DocumentFile, MaterialLinksFindTheirOwnShadersFirst)
 	ASSERT_NE(linked, nullptr);
 	EXPECT_EQ(linked->GetDocument(), again.get());
 	EXPECT_EQ(linked, reloadedCopy->GetFirstShader()->GetNext());
+}
+
+TEST(DocumentFile, SelectedObjectsAndTags)
+{
+	// One object and one tag selected; then a second tag as well.
+	const std::string text = R"({"version": 1, "objects": [
+		{"type": 5140, "name": "Null", "children": [
+			{"type": 5140, "name": "Inner", "active": true, "tags": [
+				{"type": 5612, "name": "Phong"},
+				{"type": 5616, "name": "Texture", "active": true}]}]},
+		{"type": 5140, "name": "Other", "active": false, "tags": [{"type": 5612, "name": "Second"}]}]})";
+	DocPtr doc = read(text);
+	ASSERT_NE(doc->GetActiveObject(), nullptr);
+	EXPECT_EQ(doc->GetActiveObject()->GetName(), String("Inner"));
+	ASSERT_NE(doc->GetActiveTag(), nullptr);
+	EXPECT_EQ(doc->GetActiveTag()->GetName(), String("Texture"));
+
+	// What is saved reads back the same, with the marks only where set.
+	const std::string written = WriteDocumentText(*doc);
+	size_t marks = 0;
+	const std::string mark = "\"active\": true";
+	for(size_t at = written.find(mark); at != std::string::npos; at = written.find(mark, at + 1))
+		++marks;
+	EXPECT_EQ(marks, 2u) << written;
+	EXPECT_EQ(written.find("\"active\": false"), std::string::npos);
+	EXPECT_EQ(WriteDocumentText(*read(written)), written);
+
+	// Two selected tags, or two objects, make no single one.
+	objectAt(*doc, {"Other"})->GetFirstTag()->SetBit(BIT_ACTIVE);
+	objectAt(*doc, {"Null"})->SetBit(BIT_ACTIVE);
+	EXPECT_EQ(doc->GetActiveTag(), nullptr);
+	EXPECT_EQ(doc->GetActiveObject(), nullptr);
+	AtomArray tags;
+	doc->GetActiveTags(tags);
+	ASSERT_EQ(tags.GetCount(), 2);
+	EXPECT_EQ(static_cast<BaseTag*>(tags.GetIndex(0))->GetName(), String("Texture"));
+	AtomArray objects;
+	doc->GetActiveObjects(objects);
+	ASSERT_EQ(objects.GetCount(), 2);
+	EXPECT_EQ(static_cast<BaseObject*>(objects.GetIndex(0))->GetName(), String("Null"));
+
+	EXPECT_EQ(failure(R"({"version": 1, "objects": [{"type": 5140, "tags": [{"type": 5612, "active": 1}]}]})"),
+		"scene.json: objects[0].tags[0].active: expected true or false");
 }
 
 TEST(DocumentFile, WrittenText)

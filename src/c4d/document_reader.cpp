@@ -191,7 +191,7 @@ private:
 	// the document when a later read fails.
 	BaseObject* newObject(const Json& j, const std::string& place) const
 	{
-		checkKeys(j, place, {"type", "name", "matrix", "render_mode", "editor_mode", "enabled", "layer", "params",
+		checkKeys(j, place, {"type", "name", "matrix", "render_mode", "editor_mode", "enabled", "layer", "active", "params",
 			"tags", "tracks", "cache", "deform_cache", "children", "points", "polygons", "model"});
 		return allocate<BaseObject>(j, place, "object");
 	}
@@ -209,6 +209,7 @@ private:
 			op.SetDeformMode(boolean(*enabled, member(place, "enabled")));
 		if(const Json* layer = find(j, "layer"))
 			op.SetLayerObject(static_cast<LayerObject*>(lookUp(layerNames, "layer", *layer, member(place, "layer"))));
+		readActive(op, j, place);
 		readGeometry(op, j, place);
 		readTags(op, j, place);
 		if(const Json* tracks = find(j, "tracks"))
@@ -274,13 +275,21 @@ private:
 		{
 			const Json& tj = (*tags)[i];
 			const std::string tagPlace = element(tagsPlace, i);
-			checkKeys(tj, tagPlace, {"type", "name", "params", "uvw", "selection", "matrix"});
+			checkKeys(tj, tagPlace, {"type", "name", "active", "params", "uvw", "selection", "matrix"});
 			BaseTag* tag = allocate<BaseTag>(tj, tagPlace, "tag");
 			op.InsertTag(tag, pred);
 			begin(*tag, tj, tagPlace, nullptr);
+			readActive(*tag, tj, tagPlace);
 			readTagData(*tag, tj, tagPlace);
 			pred = tag;
 		}
+	}
+
+	// Whether the node is selected in its manager (BIT_ACTIVE).
+	void readActive(BaseList2D& node, const Json& j, const std::string& place) const
+	{
+		if(const Json* active = find(j, "active"); active && boolean(*active, member(place, "active")))
+			node.SetBit(BIT_ACTIVE);
 	}
 
 	// The data of a UVW, selection or texture tag.

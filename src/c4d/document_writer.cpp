@@ -154,6 +154,8 @@ void addTagData(Json& j, const BaseTag& tag)
 Json tag(const BaseTag& t)
 {
 	Json j = node(t, true);
+	if(t.GetBit(BIT_ACTIVE))
+		j["active"] = true;
 	addParams(j, t);
 	addTagData(j, t);
 	return j;
@@ -222,6 +224,8 @@ Json object(const BaseObject& op, BaseDocument& doc)
 		j["enabled"] = false;
 	if(const LayerObject* layer = op.GetLayerObject(&doc))
 		j["layer"] = layer->GetName().GetStdString();
+	if(op.GetBit(BIT_ACTIVE))
+		j["active"] = true;
 	if(op.GetType() == Opolygon)
 		addGeometry(j, static_cast<const PolygonObject&>(op));
 	addParams(j, op);

@@ -13,6 +13,16 @@ GeData::GeData(BaseList2D* v) : value(Link{v, v ? std::weak_ptr<const char>(v->l
 {
 }
 
+GeData::GeData(int32_t type, std::shared_ptr<const CustomDataType> data) : value(Custom{type, std::move(data)})
+{
+}
+
+const CustomDataType* GeData::GetCustomDataType(int32_t type) const
+{
+	const Custom* custom = std::get_if<Custom>(&value);
+	return custom && custom->type == type ? custom->data.get() : nullptr;
+}
+
 BaseList2D* GeData::GetLink(BaseList2D* preset) const
 {
 	const Link* link = std::get_if<Link>(&value);
@@ -22,8 +32,10 @@ BaseList2D* GeData::GetLink(BaseList2D* preset) const
 int32_t GeData::GetType() const
 {
 	// In the order of the alternatives of value.
+	if(const Custom* custom = std::get_if<Custom>(&value))
+		return custom->type;
 	static const int32_t types[] = {DA_NIL, DA_LONG, DA_REAL, DA_VECTOR, DA_STRING, DA_FILENAME, DA_TIME, DA_CONTAINER, DA_ALIASLINK};
-	static_assert(sizeof(types) / sizeof(types[0]) == std::variant_size_v<decltype(value)>);
+	static_assert(sizeof(types) / sizeof(types[0]) + 1 == std::variant_size_v<decltype(value)>);
 	return types[value.index()];
 }
 

@@ -11,6 +11,15 @@
 class BaseContainer;
 class BaseList2D;
 
+// The data of a data type that the host or a plug-in defines beyond the
+// kinds below (the picture of a preview gadget, say). A GeData holds it
+// under its type id, shared and never changed.
+class CustomDataType
+{
+public:
+	virtual ~CustomDataType() = default;
+};
+
 // The kinds of value a GeData holds. Booleans are stored as longs (0 or 1).
 enum
 {
@@ -42,6 +51,8 @@ public:
 	GeData(const BaseContainer& v);
 	// A link to v; it reads as null once v is deleted.
 	GeData(BaseList2D* v);
+	// Custom data of the data type type; GetType answers type.
+	GeData(int32_t type, std::shared_ptr<const CustomDataType> data);
 
 	// One of the DA_ constants.
 	int32_t GetType() const;
@@ -64,6 +75,8 @@ public:
 	// value made before keep the container they had; copies made while the
 	// pointer is in use share its changes.
 	BaseContainer* GetContainerInstance();
+	// The custom data when the value is of the data type type, else null.
+	const CustomDataType* GetCustomDataType(int32_t type) const;
 
 	// Same type and same value; containers compare by content, links by the
 	// node they read as.
@@ -89,6 +102,15 @@ private:
 		bool operator==(const Link& o) const { return resolve() == o.resolve(); }
 	};
 
+	// Custom data compares by identity.
+	struct Custom
+	{
+		int32_t type;
+		std::shared_ptr<const CustomDataType> data;
+
+		bool operator==(const Custom& o) const { return type == o.type && data == o.data; }
+	};
+
 	std::variant<std::monostate, int32_t, double, Vector, String, Filename, BaseTime,
-		std::shared_ptr<const BaseContainer>, Link> value;
+		std::shared_ptr<const BaseContainer>, Link, Custom> value;
 };

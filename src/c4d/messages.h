@@ -12,14 +12,27 @@ enum
 {
 	// A node's data changed.
 	MSG_UPDATE = 5,
+	// A button of the node's description was pressed; the data is a
+	// DescriptionCommand.
+	MSG_DESCRIPTION_COMMAND = 18,
 	// The attribute manager checks the node's values after a change.
 	MSG_DESCRIPTION_VALIDATE = 20,
+	// A custom gadget of the description is about to be shown and asks for
+	// fresh data; the data is a DescriptionCommand naming the gadget.
+	MSG_DESCRIPTION_GADGET_REFRESH = 27,
 	// A material changed; materials that use it redraw.
 	MSG_MATERIAL_CHANGED = 31,
 	// Data null: mark every material the node uses with BIT_MATMARK. Data a
 	// MarkMaterials: replace the material omat by nmat wherever the node
 	// links to it.
 	MSG_MULTI_MARKMATERIALS = 0x40000004,
+};
+
+// The data of MSG_DESCRIPTION_COMMAND and MSG_DESCRIPTION_GADGET_REFRESH:
+// the parameter the message is about.
+struct DescriptionCommand
+{
+	int32_t id = 0;
 };
 
 // The data of MSG_MULTI_MARKMATERIALS when a material is being replaced.

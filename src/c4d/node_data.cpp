@@ -68,7 +68,60 @@ int32_t MaterialData::GetRenderInfo(BaseMaterial*)
 	return 0;
 }
 
+INITRENDERRESULT MaterialData::InitRender(BaseMaterial*, const InitRenderStruct&)
+{
+	return INITRENDERRESULT_OK;
+}
+
+void MaterialData::FreeRender(BaseMaterial*)
+{
+}
+
+void MaterialData::CalcSurface(BaseMaterial*, VolumeData*)
+{
+}
+
+void MaterialData::CalcTransparency(BaseMaterial*, VolumeData*)
+{
+}
+
+bool MaterialData::InitGLImage(BaseMaterial*, BaseDocument*, BaseThread*, BaseBitmap*)
+{
+	return false;
+}
+
+int32_t CommandData::GetState(BaseDocument*)
+{
+	return CMD_ENABLED;
+}
+
 bool CommandData::Execute(BaseDocument*)
 {
 	return false;
+}
+
+bool TagData::Draw(BaseTag*, BaseObject*, BaseDraw*, BaseDrawHelp*)
+{
+	return true;
+}
+
+DRAWRESULT ObjectData::Draw(BaseObject*, DRAWPASS, BaseDraw*, BaseDrawHelp*)
+{
+	return DRAWRESULT_SKIP;
+}
+
+void ObjectData::GetDimension(BaseObject*, Vector* mp, Vector* rad)
+{
+	*mp = Vector();
+	*rad = Vector();
+}
+
+BaseObject* ObjectData::GetVirtualObjects(BaseObject*, HierarchyHelp*)
+{
+	return nullptr;
+}
+
+int32_t VideoPostData::Execute(BaseVideoPost*, VideoPostStruct*)
+{
+	return 0;
 }

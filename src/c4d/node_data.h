@@ -4,8 +4,10 @@
 
 #include <cstdint>
 
+class BaseBitmap;
 class BaseContainer;
 class BaseShader;
+class BaseThread;
 class BaseDocument;
 class BaseMaterial;
 class DescID;
@@ -47,17 +49,61 @@ public:
 		const BaseContainer* itemdesc);
 };
 
+class BaseDraw;
+class BaseDrawHelp;
+class BaseObject;
+class BaseTag;
+class HierarchyHelp;
+
+// The passes of the editor's drawing: objects draw their lines and polygons
+// in DRAWPASS_OBJECT, the host's pass 0. What a Draw call answers.
+enum DRAWPASS
+{
+	DRAWPASS_OBJECT = 0,
+	DRAWPASS_BOX = 1,
+	DRAWPASS_HANDLES = 2,
+	DRAWPASS_HIGHLIGHTS = 3,
+};
+enum DRAWRESULT
+{
+	DRAWRESULT_ERROR = 0,
+	DRAWRESULT_OK = 1,
+	DRAWRESULT_SKIP = 2,
+};
+
 // The plug-in kinds whose nodes carry NodeData.
 class TagData : public NodeData
 {
+public:
+	// Draws the tag into the view bd, once per redraw, op being the tag's
+	// object; true (by default) when done.
+	virtual bool Draw(BaseTag* tag, BaseObject* op, BaseDraw* bd, BaseDrawHelp* bh);
 };
 
 class ObjectData : public NodeData
 {
+public:
+	// Draws the object into the view in one pass; DRAWRESULT_SKIP by default.
+	virtual DRAWRESULT Draw(BaseObject* op, DRAWPASS pass, BaseDraw* bd, BaseDrawHelp* bh);
+	// The centre and the half size of the object's box in its own
+	// coordinates; both 0 by default.
+	virtual void GetDimension(BaseObject* op, Vector* mp, Vector* rad);
+	// The object a generator makes, for the host to keep as its cache; null
+	// (by default) for none.
+	virtual BaseObject* GetVirtualObjects(BaseObject* op, HierarchyHelp* hh);
 };
 
+struct VideoPostStruct;
+class BaseVideoPost;
+
+// A video post plug-in. During a render the host calls Execute several
+// times, once per call kind (VIDEOPOSTCALL_) opening and once closing, in
+// the order of render_document.h; the result is a RENDERRESULT, 0 (by
+// default) being success.
 class VideoPostData : public NodeData
 {
+public:
+	virtual int32_t Execute(BaseVideoPost* node, VideoPostStruct* vps);
 };
 
 // A shader plug-in. Between InitRender and FreeRender the host may call
@@ -90,10 +136,33 @@ class MaterialData : public NodeData
 public:
 	// The SHADERINFO_ bits of the material; 0 by default.
 	virtual int32_t GetRenderInfo(BaseMaterial* mat);
+
+	// The host's own render: InitRender before the first CalcSurface, which
+	// the render's threads may then call at once, FreeRender after the last.
+	// By default the material needs nothing and leaves the answers of vd
+	// as the renderer set them.
+	virtual INITRENDERRESULT InitRender(BaseMaterial* mat, const InitRenderStruct& irs);
+	virtual void FreeRender(BaseMaterial* mat);
+	virtual void CalcSurface(BaseMaterial* mat, VolumeData* vd);
+	virtual void CalcTransparency(BaseMaterial* mat, VolumeData* vd);
+
+	// Draws the material's image for the editor's viewport into bmp, which
+	// the host hands over at its texture size. False (by default) when it
+	// could not; the host then shows the material's colour.
+	virtual bool InitGLImage(BaseMaterial* mat, BaseDocument* doc, BaseThread* th, BaseBitmap* bmp);
 };
 
 // Makes the NodeData of a new node; registered once per plug-in type.
 using DataAllocator = NodeData*();
+
+// Bits of CommandData::GetState; 0 is a disabled command.
+enum
+{
+	// The command can be chosen.
+	CMD_ENABLED = 2,
+	// The command shows a check mark.
+	CMD_VALUE = 4,
+};
 
 // A command of a menu or a palette. The registry owns the one instance.
 class CommandData
@@ -103,4 +172,8 @@ public:
 
 	// Runs the command on the active document; false on failure.
 	virtual bool Execute(BaseDocument* doc);
+	// How the menus show the command for the document: CMD_ENABLED and
+	// CMD_VALUE bits. The host runs no command without CMD_ENABLED.
+	// CMD_ENABLED by default.
+	virtual int32_t GetState(BaseDocument* doc);
 };

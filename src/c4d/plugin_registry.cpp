@@ -45,6 +45,7 @@ constexpr HostType hostTypes[] = {
 	{NodeClass::Object, Oplane, SetPlaneDefaults},
 	{NodeClass::Object, Oskipped},
 	{NodeClass::Object, Onull},
+	{NodeClass::Object, Oemptycache},
 	{NodeClass::Object, Ofloor, nullptr, OBJECT_CAMERADEPENDENT},
 	{NodeClass::Object, Osky, nullptr, OBJECT_CAMERADEPENDENT},
 	{NodeClass::Object, Ocube, SetCubeDefaults},

@@ -51,6 +51,8 @@ struct PluginRecord
 	// Makes the NodeData of node kinds.
 	DataAllocator* allocator = nullptr;
 	std::shared_ptr<CommandData> command;
+	// The handler of message plug-ins (special_events.h).
+	std::shared_ptr<class MessageData> message;
 };
 
 // Every plug-in registered with the host, in the order of registration.

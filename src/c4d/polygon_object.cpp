@@ -84,6 +84,17 @@ PolygonObject* PolygonObject::Alloc(int32_t pcnt, int32_t vcnt)
 	return op;
 }
 
+PolygonObject* PolygonObject::GetClone() const
+{
+	PolygonObject* copy = static_cast<PolygonObject*>(BaseObject::GetClone());
+	if(copy)
+	{
+		copy->points = points;
+		copy->polygons = polygons;
+	}
+	return copy;
+}
+
 bool PolygonObject::ResizeObject(int32_t pcnt, int32_t vcnt)
 {
 	if(pcnt < 0 || vcnt < 0)

@@ -36,6 +36,9 @@ public:
 	// of indices 0; null for a negative count.
 	static PolygonObject* Alloc(int32_t pcnt, int32_t vcnt);
 
+	// As BaseObject::GetClone, with the points and polygons.
+	PolygonObject* GetClone() const override;
+
 	int32_t GetPointCount() const { return (int32_t)points.size(); }
 	int32_t GetPolygonCount() const { return (int32_t)polygons.size(); }
 	const Vector* GetPointR() const { return points.data(); }

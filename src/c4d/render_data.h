@@ -26,11 +26,15 @@ enum
 	Rbase = 110304,
 };
 
-// Parameters of render data: the output size in pixels.
+// Parameters of render data: the output size in pixels, the frames an
+// animation renders (times) and its frame rate.
 enum
 {
 	RDATA_XRES = 5008,
 	RDATA_YRES = 5009,
+	RDATA_FRAMEFROM = 5017,
+	RDATA_FRAMETO = 5018,
+	RDATA_FRAMERATE = 5020,
 };
 
 // A set of render settings: its parameters and its list of video posts, in

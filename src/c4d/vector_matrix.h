@@ -89,6 +89,12 @@ inline Vector operator/(const Vector& a, double s)
 	return Vector(a.x / s, a.y / s, a.z / s);
 }
 
+// The component-wise product, as the application writes it.
+inline Vector operator^(const Vector& a, const Vector& b)
+{
+	return Vector(a.x * b.x, a.y * b.y, a.z * b.z);
+}
+
 inline Vector Cross(const Vector& a, const Vector& b)
 {
 	return Vector(a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x);

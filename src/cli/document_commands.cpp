@@ -4,9 +4,11 @@
 
 #include "c4d/base_shader.h"
 #include "c4d/base_tag.h"
+#include "c4d/command_runner.h"
 #include "c4d/description.h"
 #include "c4d/dialog_script.h"
 #include "c4d/document_file.h"
+#include "c4d/ge_dialog.h"
 #include "c4d/plugin_registry.h"
 #include "support/exceptions.h"
 #include "support/string_utils.h"
@@ -162,22 +164,73 @@ std::string descriptionText(BaseList2D& node, const Description& description)
 	return text;
 }
 
+// "10011=256" as the action of typing 256 into the item 10011.
+DialogAction setAction(const std::string& text)
+{
+	const size_t eq = text.find('=');
+	bool error = eq == std::string::npos;
+	const int32_t id = error ? 0 : String(text.substr(0, eq)).ToLong(&error);
+	if(error)
+		throw Velorn::VelornException("--set '" + text + "': expected ID=VALUE, such as 10011=256.");
+	return DialogAction::set(id, String(text.substr(eq + 1)));
+}
+
+std::string requestText(const DialogRequest& request)
+{
+	std::string answer;
+	if(!request.answered())
+		answer = "cancelled";
+	else if(request.kind == DialogRequest::Kind::Question)
+		answer = request.answer.yes ? "yes" : "no";
+	else
+		answer = "chose " + request.answer.file.GetString().GetStdString();
+	return "Asked \"" + request.title.GetStdString() + "\": " + answer + "\n";
+}
+
+std::string actionText(const DialogActionRecord& record)
+{
+	return "Dialog \"" + record.dialog.GetStdString() + "\": " + record.action.describe().GetStdString() +
+		(record.refused.Content() ? " (" + record.refused.GetStdString() + ")" : std::string()) + "\n";
+}
+
 } // namespace
 
 std::string runCommand(const CommandOptions& options)
 {
 	const HostSession session(options.plugins, options.document);
 	const PluginRecord* record = findCommand(options.command);
-	DialogScript::get().clear();
+	DialogScript& script = DialogScript::get();
+	script.clear();
 	for(bool yes : options.answers)
-		DialogScript::get().push(DialogAnswer::press(yes));
-	if(!record->command->Execute(&session.document()))
+		script.push(DialogAnswer::press(yes));
+	for(const std::string& file : options.files)
+		script.push(DialogAnswer::choose(Filename(String(file))));
+	for(const std::string& set : options.sets)
+		script.pushAction(setAction(set));
+	for(int32_t id : options.presses)
+		script.pushAction(DialogAction::press(id));
+
+	switch(RunCommand(*record, &session.document()))
+	{
+	case COMMANDRESULT::DISABLED:
+		throw Velorn::VelornException("The command '" + record->name.GetStdString() +
+			"' is disabled for this document: what it works on is not selected.");
+	case COMMANDRESULT::FAILED:
 		throw Velorn::VelornException("The command '" + record->name.GetStdString() + "' failed.");
+	case COMMANDRESULT::OK:
+		break;
+	}
+	// The dialogs the command left open run as long as something happens
+	// in them; then the session closes them, as the application would on
+	// quitting.
+	RunOpenDialogs();
+	CloseOpenDialogs();
 
 	std::string report = "Ran '" + record->name.GetStdString() + "' (" + std::to_string(record->id) + ")\n";
-	for(const DialogRequest& request : DialogScript::get().requests())
-		report += "Asked \"" + request.title.GetStdString() + "\": " +
-			(request.answered() ? (request.answer.yes ? "yes" : "no") : "cancelled") + "\n";
+	for(const DialogRequest& request : script.requests())
+		report += requestText(request);
+	for(const DialogActionRecord& action : script.actionsTaken())
+		report += actionText(action);
 	report += undoText(session.document());
 	report += HostSession::consoleText();
 	if(!options.out.empty())

@@ -17,14 +17,25 @@ struct CommandOptions
 	// The buttons the user presses in the question boxes the command asks,
 	// in order (true: yes).
 	std::vector<bool> answers;
+	// The files the user chooses in the file requesters the command opens,
+	// in order.
+	std::vector<std::string> files;
+	// What the user does in the dialog the command opens: first the values
+	// typed into its items, each "ID=VALUE" (a check box takes on or off),
+	// then the buttons clicked, by id.
+	std::vector<std::string> sets;
+	std::vector<int32_t> presses;
 	// Where the changed document is saved; empty: it is not saved.
 	std::string out;
 };
 
 // Runs a registered command on the document, as a click in a menu would,
-// and reports the questions it asked with their answers, its undo entries,
-// its console lines and where the document went. An unknown command, or
-// one that fails, throws the library's exception.
+// and reports the questions it asked with their answers, what was done in
+// the dialogs it opened (which then run until nothing more happens in them,
+// such as a bake they started), its undo entries, its console lines and
+// where the document went. An unknown command, one that is disabled for the
+// document (what it works on is not selected) or one that fails throws the
+// library's exception.
 std::string runCommand(const CommandOptions& options);
 
 // What the attribute manager shows of the node named node (a material, an

@@ -1,8 +1,11 @@
 // The velorn command: scene and mesh tools of the Velorn scene library.
 
 #include "cli/document_commands.h"
+#include "cli/draw_command.h"
 #include "cli/export_command.h"
+#include "cli/material_commands.h"
 #include "cli/mesh_commands.h"
+#include "cli/render_command.h"
 #include "cli/sample_scene.h"
 #include "cli/scene_commands.h"
 #include "support/exceptions.h"
@@ -101,13 +104,19 @@ int main(int argc, char** argv)
 	std::vector<std::string> answers;
 	CLI::App* command = app.add_subcommand("command",
 		"Load a host document, run one of the plug-in's commands on it as a menu click would (such as "
-		"\"Convert Materials\" or \"New Velorn Material\"), print the questions it asked, its undo entries and "
-		"console, and save the changed document.");
+		"\"Convert Materials\" or \"Bake UVW Tag of Velorn Material\"), print the questions it asked, what was "
+		"done in its dialog, its undo entries and console, and save the changed document.");
 	command->add_option("DOCUMENT", command_options.document, "Document file")->required();
 	command->add_option("COMMAND", command_options.command, "The command's id, name or help text")->required();
 	command->add_option("-o,--out", command_options.out, "Document file to save the result to (default: not saved)");
 	command->add_option("--answer", answers, "The button pressed in each question box, in order: yes or no")
 		->check(CLI::IsMember({"yes", "no"}));
+	command->add_option("--file", command_options.files, "The file chosen in each file requester, in order");
+	command->add_option("--set", command_options.sets,
+		"ID=VALUE: a value typed into the item ID of the dialog the command opens (check boxes: on or off), "
+		"before any --press; such as --set 10011=256 --set 10017=/tmp/car.jpg");
+	command->add_option("--press", command_options.presses,
+		"The id of a button clicked in the dialog, after the --set values, in order; such as --press 10001");
 	command->add_option("--plugins", command_options.plugins, "The host's plug-in directory")->capture_default_str();
 
 	std::string describe_document, describe_node, describe_plugins = VELORN_PLUGIN_DIR;
@@ -118,7 +127,67 @@ int main(int argc, char** argv)
 	describe->add_option("NODE", describe_node, "The name of the node")->required();
 	describe->add_option("--plugins", describe_plugins, "The host's plug-in directory")->capture_default_str();
 
+	MaterialCommands::ImportOptions import_options;
+	import_options.plugins = VELORN_PLUGIN_DIR;
+	CLI::App* import_material = app.add_subcommand("import-material",
+		"Import a material file of the renderer (.vlm, or a packed .pvlm) into a host document as the plug-in's "
+		"materials, as the command \"Import .vlm\" does; print its console lines and warnings and save the "
+		"document.");
+	import_material->add_option("FILE", import_options.file, "Material file (.vlm or .pvlm)")->required();
+	import_material->add_option("DOCUMENT", import_options.document, "Document file")->required();
+	import_material->add_option("-o,--out", import_options.out, "Document file to save to (default: DOCUMENT)");
+	import_material->add_option("--plugins", import_options.plugins, "The host's plug-in directory")
+		->capture_default_str();
+
+	RenderCommand::Options render_options;
+	render_options.plugins = VELORN_PLUGIN_DIR;
+	render_options.renderer_dir = VELORN_RENDERER_DIR;
+	CLI::App* render = app.add_subcommand("render",
+		"Run \"Render with Velorn\" on a host document: export it to the quick render folder (or where its render "
+		"settings say), write a render queue for an animation and start the renderer; print the console, the "
+		"scenes and the renderer's command line. Example: velorn render examples/studio.json");
+	render->add_option("DOCUMENT", render_options.document, "Document file")->required();
+	render->add_flag("--animation", render_options.animation,
+		"Render the frame range of the document's render data, one scene a frame, as a queue");
+	render->add_option("--renderer", render_options.renderer_dir,
+			"The renderer's directory, given when the plug-in asks where the renderer is")
+		->capture_default_str();
+	render->add_option("--plugins", render_options.plugins, "The host's plug-in directory")->capture_default_str();
+	render->add_flag("--in-host", render_options.in_host,
+		"Render inside the host through the plug-in's video post and the renderer's SDK library (from --renderer), "
+		"and save the host's picture (-o). Example: velorn render examples/studio.json --in-host -o studio.png --spp 4");
+	render->add_option("-o,--output", render_options.image, "The PNG picture of an in-host render");
+	render->add_option("--spp", render_options.spp, "Halt an in-host render after this many samples per pixel");
+
+	DrawCommand::Options draw_options;
+	draw_options.plugins = VELORN_PLUGIN_DIR;
+	CLI::App* draw = app.add_subcommand("draw",
+		"Draw the editor's view of a host document (the camera tag's render region, instances, section planes, "
+		"the objects' wires) into a PNG.");
+	draw->add_option("DOCUMENT", draw_options.document, "Document file")->required();
+	draw->add_option("-o,--out", draw_options.image, "PNG file to write")->required();
+	draw->add_option("--size", draw_options.size, "The view's size in pixels, WxH")->capture_default_str();
+	draw->add_option("--plugins", draw_options.plugins, "The host's plug-in directory")->capture_default_str();
+
 	CLI11_PARSE(app, argc, argv);
+
+	if(draw->parsed())
+		return run([&] { return DrawCommand::run(draw_options); });
+	if(render->parsed())
+	{
+		if(render_options.in_host && render_options.image.empty())
+		{
+			std::cerr << "render --in-host needs -o IMAGE.png" << std::endl;
+			return 2;
+		}
+		return run([&] {
+			return render_options.in_host ? RenderCommand::renderInHost(render_options) :
+											RenderCommand::renderExternally(render_options);
+		});
+	}
+
+	if(import_material->parsed())
+		return run([&] { return MaterialCommands::importMaterial(import_options); });
 
 	if(command->parsed())
 	{

@@ -1,6 +1,7 @@
 #include "host/object_tags.h"
 
 #include "c4d/base_list.h"
+#include "c4d/description.h"
 #include "host/plugin_ids.h"
 #include "host/registration.h"
 
@@ -12,6 +13,14 @@ bool SubdivisionTag::Init(GeListNode* node)
 		{st_displacement_error, 0.0},
 	});
 	return true;
+}
+
+bool SubdivisionTag::GetDEnabling(
+	GeListNode* node, const DescID& id, const GeData& t_data, int32_t flags, const BaseContainer* itemdesc)
+{
+	if(id[0].id == st_pixel_threshold)
+		return static_cast<BaseList2D*>(node)->GetDataInstance()->GetBool(st_smoothing);
+	return TagData::GetDEnabling(node, id, t_data, flags, itemdesc);
 }
 
 bool RegisterSubdivisionTag()

@@ -4,6 +4,7 @@
 
 // The tags that only carry settings of one object for the export: its
 // subdivision, whether it is an exit portal, and its compositing flags.
+// Their descriptions are their files as they are (NodeData loads them).
 
 // The subdivision tag: how the renderer subdivides and displaces the
 // object's mesh.
@@ -13,6 +14,9 @@ public:
 	static NodeData* Alloc() { return new SubdivisionTag(); }
 
 	bool Init(GeListNode* node) override;
+	// The pixel threshold only applies with smoothing on.
+	bool GetDEnabling(GeListNode* node, const DescID& id, const GeData& t_data, int32_t flags,
+		const BaseContainer* itemdesc) override;
 };
 
 // The exit portal tag: the object becomes a portal through which the

@@ -56,15 +56,29 @@ enum
 	vp_unit_mm = 1390,
 	vp_unit_custom = 1391,
 	vp_sun_own_layer = 1392,
+	// Where "Render with Velorn" puts the scene and the image.
+	vp_export_path = 1393,
+	vp_use_document_dir = 1394,
 	vp_clay_render = 1397,
 	vp_foreground_alpha = 1398,
+	// How the renderer is started.
+	vp_low_priority = 1399,
+	vp_console = 1400,
+	vp_network = 1402,
+	vp_port = 1403,
+	vp_custom_export = 1408,
 	// The names of host layers 1 to 10 are 1410 to 1419.
 	vp_layer_name_first = 1410,
+	vp_animation = 1420,
+	vp_output_enabled = 1421,
+	vp_output_path = 1422,
+	vp_use_render_dir = 1423,
 	vp_ambient = 1424,
 	vp_wait_for_slaves = 1426,
 	vp_glass_acceleration = 1428,
 	vp_verbose = 1429,
 	vp_vignetting = 1430,
+	vp_merge_vertices = 1431,
 	vp_render_mode_material_id = 1432,
 	vp_sky_model_captured = 1434,
 	vp_gpu = 1435,
@@ -123,6 +137,12 @@ enum
 	ct_downsize_radius = 1999,
 	ct_aperture_diffraction = 2000,
 	ct_response_function = 2001,
+	// Groups of the tag's description.
+	ct_group_camera_response = 1941,
+	ct_group_scale = 1951,
+	ct_group_generated_aperture = 1972,
+	ct_group_aperture_image = 1973,
+	ct_group_region = 1993,
 };
 
 // Parameters of the light tag.
@@ -152,6 +172,42 @@ enum
 	lt_ies_file = 1308,
 	lt_emission_scale = 1312,
 	lt_layer = 1313,
+	lt_preview_button = 1309,
+	lt_preview_gadget = 1310,
+	lt_preview_file = 1311,
+	// Groups of the tag's description: one per spectrum, and the layer's.
+	lt_group_blackbody = 1220,
+	lt_group_rgb = 1221,
+	lt_group_uniform = 1222,
+	lt_group_peak = 1223,
+	lt_group_layer = 1236,
+};
+
+// Parameters of the instance object.
+enum
+{
+	inst_link = 10000,
+	inst_display = 10011,
+	inst_display_box = 10012,
+	inst_display_wires = 10013,
+	inst_display_shaded = 10014,
+};
+
+// Parameters of the section plane.
+enum
+{
+	sp_cull_geometry = 10016,
+	sp_object_list = 10017,
+	sp_list_mode = 10018,
+	sp_list_include = 10019,
+	sp_list_exclude = 10020,
+	sp_use_list = 10021,
+};
+
+// The command that makes instances of the selected objects.
+enum
+{
+	ID_CREATE_INSTANCES = 1023984,
 };
 
 // Parameters of the subdivision tag.

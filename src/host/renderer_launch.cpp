@@ -6,9 +6,14 @@
 #include "support/platform.h"
 
 #include <cmath>
+#include <mutex>
 
 namespace
 {
+
+std::mutex last_mutex;
+std::string last_line;
+Filename last_executable;
 
 std::string quoted(const std::string& path)
 {
@@ -61,12 +66,57 @@ std::string rendererCommandLine(const Filename& executable, const std::string& a
 	return line;
 }
 
-bool launchRenderer(bool console, const RendererRequest& request)
+namespace
+{
+
+// Says that the renderer is launched, finds it and makes its command line;
+// false when it is not found.
+bool prepareLaunch(bool console, const RendererRequest& request, Filename& executable, std::string& line)
 {
 	GePrint(String("Launching Velorn..."));
-	Filename executable;
 	if(!findRenderer(console, executable))
 		return false;
-	const std::string line = rendererCommandLine(executable, rendererArguments(request, timerSeed()));
-	return Velorn::Platform::startProcess(executable.GetString().GetStdString(), line, request.low_priority);
+	line = rendererCommandLine(executable, rendererArguments(request, timerSeed()));
+	return true;
+}
+
+void recordLaunch(const Filename& executable, const std::string& line)
+{
+	std::lock_guard<std::mutex> lock(last_mutex);
+	last_line = line;
+	last_executable = executable;
+}
+
+} // namespace
+
+bool launchRenderer(bool console, const RendererRequest& request)
+{
+	Filename executable;
+	std::string line;
+	if(!prepareLaunch(console, request, executable, line)
+		|| !Velorn::Platform::startProcess(executable.GetString().GetStdString(), line, request.low_priority))
+		return false;
+	recordLaunch(executable, line);
+	return true;
+}
+
+std::string lastRendererCommandLine()
+{
+	std::lock_guard<std::mutex> lock(last_mutex);
+	return last_line;
+}
+
+Filename lastRendererExecutable()
+{
+	std::lock_guard<std::mutex> lock(last_mutex);
+	return last_executable;
+}
+
+bool runRenderer(bool console, const RendererRequest& request, int& exit_code)
+{
+	Filename executable;
+	std::string line;
+	if(!prepareLaunch(console, request, executable, line))
+		return false;
+	return Velorn::Platform::runProcess(executable.GetString().GetStdString(), line, request.low_priority, exit_code);
 }

@@ -39,3 +39,12 @@ std::string rendererCommandLine(const Filename& executable, const std::string& a
 // starts it. False when the renderer is not found or does not start, with
 // no message of its own.
 bool launchRenderer(bool console, const RendererRequest& request);
+
+// The command line of the last renderer this process started, and its
+// executable; empty before the first. For the command line's report.
+std::string lastRendererCommandLine();
+Filename lastRendererExecutable();
+
+// As launchRenderer, but waits for the renderer to end: false when it is
+// not found or does not start, otherwise true with its exit code.
+bool runRenderer(bool console, const RendererRequest& request, int& exit_code);

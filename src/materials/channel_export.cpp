@@ -1,6 +1,7 @@
 #include "materials/channel_export.h"
 
 #include "c4d/base_shader.h"
+#include "materials/channel_bake.h"
 #include "c4d/console.h"
 #include "host/plugin_globals.h"
 #include "materials/material_export.h"
@@ -88,9 +89,14 @@ ChannelForm channelForm(const ChannelIds& ids, ChannelBuild& build)
 			form.kind = ChannelForm::Shader;
 		return form;
 	}
-	// Any other shader would be baked into a JPEG beside the textures; the
-	// baking service is not wired in yet, so the channel falls back to its
-	// constant form, as it does after a failed bake.
+	// Any other shader is baked into a JPEG beside the textures; after a
+	// failed bake the channel keeps its constant form.
+	const String baked = bakeChannelShader(shader, build.data, ids.suffix, build.material_name, build.settings);
+	if(baked.Content())
+	{
+		form.kind = ChannelForm::Texture;
+		form.texture_index = addTexture(ids, build, baked);
+	}
 	return form;
 }
 

@@ -424,9 +424,8 @@ TEST_F(MaterialExportTest, TextureNamesResolve)
 
 // The plug-in's own shaders become shader parameters through the shader
 // translation, which may append the shader's images to the material's
-// textures; a host shader that is no bitmap (it would be baked) leaves the
-// constant form.
-TEST_F(MaterialExportTest, OwnShadersTranslateOthersKeepTheConstant)
+// textures. (Host shaders that are no bitmap are baked: channel_bake_test.)
+TEST_F(MaterialExportTest, OwnShadersTranslate)
 {
 	ASSERT_TRUE(RegisterVslShader());
 	BaseMaterial* painted = newMaterial(MAT_TYPE_DIFFUSE, "Painted");
@@ -442,13 +441,4 @@ TEST_F(MaterialExportTest, OwnShadersTranslateOthersKeepTheConstant)
 	EXPECT_TRUE(shaded->shader_info.nonNull());
 	ASSERT_EQ(diffuse.textures.size(), 1u);
 	EXPECT_EQ(diffuse.textures[0].path, Velorn::String("grain.png"));
-
-	BaseMaterial* flat = newMaterial(MAT_TYPE_DIFFUSE, "Flat");
-	BaseShader* colour = BaseShader::Alloc(Xcolor);
-	flat->InsertShader(colour);
-	flat->GetDataInstance()->SetLink(MAT_ALBEDO_LINK, colour);
-	const auto& constant = materialOf<Velorn::DiffuseMaterial>(exportMaterial(flat));
-	const auto& rgb = dynamic_cast<const Velorn::RGBSpectrum&>(constantSpectrum(constant.albedo));
-	EXPECT_EQ(rgb.rgb, Velorn::Vec3d(0.8, 0.8, 0.8));
-	EXPECT_TRUE(constant.textures.empty());
 }

@@ -3,6 +3,7 @@
 #include "c4d/node_data.h"
 
 #include <cstdint>
+#include <memory>
 
 class BaseContainer;
 
@@ -11,10 +12,9 @@ class BaseContainer;
 // every kind and is only shown or hidden, so that a user may switch kinds
 // without losing values. The channel switches decide which pages show.
 //
-// The render-time state (the samplers of the albedo and emission shaders,
-// the cached kind and the refraction and reflection flags, the view IOR)
-// comes with the host render and the viewport image; here are the view
-// colours that the factory clears, the change counter and the preview flag.
+// For the host's own render and the viewport the material is a coarse
+// stand-in of what the renderer makes of it: a colour (or the albedo
+// shader), an emission, reflection and refraction by kind.
 class VelornMaterial : public MaterialData
 {
 public:
@@ -28,6 +28,11 @@ public:
 	bool GetDEnabling(GeListNode* node, const DescID& id, const GeData& t_data, int32_t flags,
 		const BaseContainer* itemdesc) override;
 	int32_t GetRenderInfo(BaseMaterial* mat) override;
+	INITRENDERRESULT InitRender(BaseMaterial* mat, const InitRenderStruct& irs) override;
+	void FreeRender(BaseMaterial* mat) override;
+	void CalcSurface(BaseMaterial* mat, VolumeData* vd) override;
+	void CalcTransparency(BaseMaterial* mat, VolumeData* vd) override;
+	bool InitGLImage(BaseMaterial* mat, BaseDocument* doc, BaseThread* th, BaseBitmap* bmp) override;
 
 	// Raised by every parameter write and every update message, so that the
 	// preview knows when to render again.
@@ -40,7 +45,25 @@ public:
 	float viewEmission[3];
 
 private:
+	// A shader channel as the host render samples it: the linked shader and
+	// the texture's scale terms, the value being a t^2 + b t + c of the
+	// shader's t.
+	struct Sampler
+	{
+		BaseShader* shader;
+		float a, b, c;
+	};
+
 	VelornMaterial() = default;
+
+	// The sampler of a channel whose link holds a shader, initialised for
+	// the render; null for no shader. result gets the shader's answer.
+	static std::unique_ptr<Sampler> makeSampler(
+		const BaseContainer& data, int32_t link, int32_t first_term, const InitRenderStruct& irs, INITRENDERRESULT& result);
+	static Vector sample(const Sampler& sampler, VolumeData* vd);
+	// The reflected and the transmitted parts of CalcSurface.
+	Vector reflection(VolumeData* vd) const;
+	void refract(VolumeData* vd) const;
 
 	// Runs the kind switch rule when the kind differs from the one the
 	// switches were last set for.
@@ -51,6 +74,15 @@ private:
 	// The MSG_MULTI_MARKMATERIALS message: marks or replaces the materials
 	// this one links to.
 	void markMaterials(GeListNode* node, void* data);
+
+	// Written by InitRender and FreeRender only; the render's threads read
+	// them without a lock in between.
+	std::unique_ptr<Sampler> albedoSampler;
+	std::unique_ptr<Sampler> emissionSampler;
+	int32_t materialType = 0;
+	bool refractive = false;
+	bool reflective = false;
+	float viewIor = 1.0f;
 
 	uint32_t dirtyCount = 0;
 	uint8_t previewFailed;

@@ -2,6 +2,7 @@
 
 #include "c4d/base_document.h"
 #include "c4d/document_file.h"
+#include "c4d/plugin_registry.h"
 #include "c4d/world_preferences.h"
 #include "host/plugin_ids.h"
 
@@ -13,7 +14,12 @@ namespace
 class VideoPostDefaults : public testing::Test
 {
 protected:
-	static void SetUpTestSuite() { ASSERT_TRUE(RegisterVelornVideoPost()); }
+	// The in-host render's tests of this binary may have registered it.
+	static void SetUpTestSuite()
+	{
+		if(!PluginRegistry::get().find(ID_VIDEO_POST))
+			ASSERT_TRUE(RegisterVelornVideoPost());
+	}
 	void TearDown() override
 	{
 		ResetWorldPreferences();

@@ -7,6 +7,7 @@
 #include "support/exceptions.h"
 #include "support/file_utils.h"
 
+#include <cmath>
 #include <thread>
 
 namespace Velorn
@@ -181,7 +182,11 @@ bool RendererObject::prepare()
 		render = std::make_unique<ProgressiveRender>(scene, *buffer->master_buffer, buffer->pixels_mutex,
 			threadsFromSettings(*root), seed);
 		const auto& rs = static_cast<const SceneNodeRenderSettings&>(*root->getRenderSettingsNode());
-		render->setHalt(rs.settings.contains("halt_samples_per_pixel") ? rs.getDouble("halt_samples_per_pixel") : -1,
+		// The render halts once samples per pixel pass the scene's halt,
+		// which is how the plug-in's poll loop tests it: a halt of 4 ends
+		// after the fifth pass, so that the loop sees more than 4.
+		const double halt_spp = rs.settings.contains("halt_samples_per_pixel") ? rs.getDouble("halt_samples_per_pixel") : -1;
+		render->setHalt(halt_spp > 0 ? std::floor(halt_spp) + 1 : halt_spp,
 			rs.settings.contains("halt_time") ? rs.getDouble("halt_time") : -1);
 		return true;
 	}
@@ -289,6 +294,11 @@ ToneMapperObject::ToneMapperObject()
 
 ToneMapperObject::~ToneMapperObject()
 {
+	waitForPasses();
+}
+
+void ToneMapperObject::waitForPasses()
+{
 	if(worker.joinable())
 		worker.join();
 }
@@ -316,25 +326,39 @@ void ToneMapperObject::setParameters(const SceneNode* tone_mapping, const SceneN
 		error_out = String("The tone mapper needs the render settings.");
 		return;
 	}
-	settings = ToneMapSettings::fromNodes(tone_mapping, settings_node, gamma);
-	super_sample_factor = rs->settings.contains("super_sample_factor") ? (uint32_t)rs->getInt("super_sample_factor") : 1;
+	const ToneMapSettings new_settings = ToneMapSettings::fromNodes(tone_mapping, settings_node, gamma);
+	const uint32_t new_factor =
+		rs->settings.contains("super_sample_factor") ? (uint32_t)rs->getInt("super_sample_factor") : 1;
 	const MasterBuffer& mb = *render_buffer->master_buffer;
-	if(mb.getInternalWidth() != (mb.getFinalWidth() + 8) * super_sample_factor)
+	if(mb.getInternalWidth() != (mb.getFinalWidth() + 8) * new_factor)
 	{
 		error_out = String("The render buffer does not fit the settings' super_sample_factor.");
 		return;
 	}
-	gains.assign(mb.layers.size(), 1.0);
-	for(size_t i = 0; i < gains.size() && i < rs->layer_settings.size(); ++i)
+	std::vector<double> new_gains(mb.layers.size(), 1.0);
+	for(size_t i = 0; i < new_gains.size() && i < rs->layer_settings.size(); ++i)
 		if(rs->layer_settings[i].nonNull())
-			gains[i] = rs->layer_settings[i]->gain;
+			new_gains[i] = rs->layer_settings[i]->gain;
+	std::lock_guard<std::mutex> lock(state_mutex);
+	settings = new_settings;
+	super_sample_factor = new_factor;
+	gains = new_gains;
 	has_parameters = true;
 }
 
 void ToneMapperObject::toneMapNow()
 {
-	if(!has_parameters)
-		return;
+	ToneMapSettings settings;
+	uint32_t super_sample_factor;
+	std::vector<double> gains;
+	{
+		std::lock_guard<std::mutex> lock(state_mutex);
+		if(!has_parameters)
+			return;
+		settings = this->settings;
+		super_sample_factor = this->super_sample_factor;
+		gains = this->gains;
+	}
 	Image linear;
 	{
 		std::lock_guard<std::mutex> lock(render_buffer->pixels_mutex);
@@ -370,13 +394,36 @@ void ToneMapperObject::toneMapNow()
 
 void ToneMapperObject::update()
 {
+	// Never waits for a pass under way: the running worker takes the new
+	// request when its pass ends.
+	std::lock_guard<std::mutex> lock(state_mutex);
+	pass_pending = true;
+	done = false;
+	if(worker_running)
+		return;
+	// The former worker has left its loop and is ending.
 	if(worker.joinable())
 		worker.join();
-	done = false;
-	worker = std::thread([this] {
+	worker_running = true;
+	worker = std::thread([this] { runPasses(); });
+}
+
+void ToneMapperObject::runPasses()
+{
+	for(;;)
+	{
+		{
+			std::lock_guard<std::mutex> lock(state_mutex);
+			if(!pass_pending)
+			{
+				worker_running = false;
+				done = true;
+				return;
+			}
+			pass_pending = false;
+		}
 		toneMapNow();
-		done = true;
-	});
+	}
 }
 
 HardwareInfoObject::HardwareInfoObject()

@@ -93,6 +93,8 @@ public:
 
 	// One pass on the calling thread.
 	void toneMapNow();
+	// Ends a pass under way (and any asked for) before the object goes.
+	void waitForPasses();
 
 private:
 	RenderBuffer* render_buffer = nullptr;
@@ -103,6 +105,16 @@ private:
 	ToneMapSettings settings;
 	uint32_t super_sample_factor = 1;
 	std::vector<double> gains;
+
+	// Guards the parameters, which the render thread may set while a pass
+	// runs, and the worker's state. A pass copies the parameters at its
+	// start and runs without the lock.
+	std::mutex state_mutex;
+	// A pass was asked for that has not started yet.
+	bool pass_pending = false;
+	bool worker_running = false;
+	// Runs passes while any are asked for.
+	void runPasses();
 
 	std::thread worker;
 	std::atomic<bool> done{true};

@@ -133,6 +133,10 @@ int setThreadPriority(ThreadHandle thread, ThreadPriority priority);
 // Nothing of the process is kept: no handle, no output, no exit code. False
 // when it could not be started; the reason is the last error.
 bool startProcess(const std::string& application, const std::string& command_line, bool below_normal);
+// Starts the program as startProcess does and waits for it to end. False
+// when it could not be started or waited for (the reason is the last
+// error); otherwise true with the program's exit code in exit_code.
+bool runProcess(const std::string& application, const std::string& command_line, bool below_normal, int& exit_code);
 
 } // namespace Platform
 } // namespace Velorn

@@ -378,14 +378,18 @@ void reapProcess(void* pid)
 
 } // namespace
 
-bool startProcess(const std::string& application, const std::string& command_line, bool below_normal)
+namespace
+{
+
+// Spawns the program with the arguments of the Windows command line; false
+// with errno set when it cannot be started.
+bool spawnProcess(const std::string& application, const std::string& command_line, bool below_normal, pid_t& pid)
 {
 	const std::vector<std::string> arguments = splitCommandLine(command_line);
 	std::vector<char*> argv;
 	for(const std::string& argument : arguments)
 		argv.push_back(const_cast<char*>(argument.c_str()));
 	argv.push_back(nullptr);
-	pid_t pid;
 	const int error = ::posix_spawn(&pid, application.c_str(), nullptr, nullptr, argv.data(), environ);
 	if(error != 0)
 	{
@@ -396,8 +400,36 @@ bool startProcess(const std::string& application, const std::string& command_lin
 	// may run its first moments at the normal one.
 	if(below_normal)
 		::setpriority(PRIO_PROCESS, (id_t)pid, 10);
+	return true;
+}
+
+} // namespace
+
+bool startProcess(const std::string& application, const std::string& command_line, bool below_normal)
+{
+	pid_t pid;
+	if(!spawnProcess(application, command_line, below_normal, pid))
+		return false;
 	if(ThreadHandle reaper = startThread(&reapProcess, (void*)(intptr_t)pid))
 		detachThread(reaper);
+	return true;
+}
+
+bool runProcess(const std::string& application, const std::string& command_line, bool below_normal, int& exit_code)
+{
+	pid_t pid;
+	if(!spawnProcess(application, command_line, below_normal, pid))
+		return false;
+	int status = 0;
+	pid_t waited;
+	do
+		waited = ::waitpid(pid, &status, 0);
+	while(waited == -1 && errno == EINTR);
+	if(waited == -1)
+		return false;
+	// A process ended by a signal reports 128 and the signal's number, as
+	// shells do.
+	exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 	return true;
 }
 

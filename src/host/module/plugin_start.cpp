@@ -1,19 +1,27 @@
 #include "host/module/plugin_start.h"
 
+#include "bake/bake_commands.h"
 #include "c4d/console.h"
 #include "c4d/preview_scenes.h"
+#include "export/export_dialog.h"
 #include "host/about_command.h"
 #include "host/camera_tag.h"
+#include "host/create_instances_command.h"
 #include "host/light_tag.h"
 #include "host/object_tags.h"
 #include "host/plugin_globals.h"
 #include "host/plugin_ids.h"
 #include "host/plugin_version.h"
 #include "host/registration.h"
+#include "host/section_plane.h"
+#include "host/velorn_instance.h"
 #include "materials/material_plugin.h"
 #include "materials/convert_command.h"
+#include "materials/material_import.h"
 #include "materials/new_material_command.h"
+#include "render/render_state.h"
 #include "render/video_post.h"
+#include "sdk/tone_mapper.h"
 #include "shaders/shader_plugins.h"
 #include "support/file_utils.h"
 #include "support/platform.h"
@@ -47,6 +55,18 @@ void loadSdk(const std::string& module_dir)
 	}
 }
 
+// Copies the SDK's list of graphics devices for the render settings.
+void copyGPUList()
+{
+	Velorn::Reference<Velorn::HardwareInfo> hardware = new Velorn::HardwareInfo(g_context);
+	Velorn::Reference<Velorn::InterfaceBase> list;
+	hardware->getGPUInfo(list);
+	gpu_devices.clear();
+	if(list.nonNull())
+		for(const Velorn::GPUInfo& gpu : static_cast<Velorn::GPUInfoList&>(*list).gpus)
+			gpu_devices.push_back(GPUDeviceInfo{String(gpu.device_name.str()), gpu.api_kind});
+}
+
 // The registrations of the plug-in, in the order the host must see them.
 bool registerPlugins()
 {
@@ -56,9 +76,19 @@ bool registerPlugins()
 		RegisterCameraTag,
 		RegisterSubdivisionTag,
 		RegisterCompositingTag,
+		RegisterBakeUVWTagCommand,
+		RegisterBakeMaterialCommand,
 		RegisterAboutCommand,
 		RegisterConvertMaterialsCommand,
+		RegisterImportMaterialCommand,
+		RegisterRenderCommand,
+		RegisterCreateInstancesCommand,
 		RegisterNewMaterialCommand,
+		RegisterResumeRenderingCommand,
+		RegisterPauseRenderingCommand,
+		RegisterUpdateImageCommand,
+		RegisterVelornInstance,
+		RegisterSectionPlane,
 		RegisterVelornVideoPost,
 		RegisterPlaceholderCommand,
 		RegisterVslShader,
@@ -67,6 +97,7 @@ bool registerPlugins()
 		RegisterVslBlend,
 		RegisterVslGradient,
 		RegisterVslNormal,
+		RegisterVelornMessage,
 	};
 	for(auto registration : registrations)
 		if(!registration())
@@ -108,6 +139,8 @@ bool PluginStart()
 	loadSdk(module_dir);
 	realtime_edition = Velorn::FileUtils::fileExists(Velorn::FileUtils::join(module_dir, "velorn_sdk.dll")) ? 0 : 1;
 	if(g_context->isLoaded())
+		copyGPUList();
+	if(g_context->isLoaded())
 		GePrint(String(realtime_edition ? "Successfully initialised Velorn RT." :
 			"Successfully initialised Velorn Renderer."));
 
@@ -120,5 +153,6 @@ bool PluginStart()
 
 void PluginEnd()
 {
+	renderState().clear();
 	g_context = nullptr;
 }
