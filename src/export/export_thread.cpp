@@ -118,11 +118,11 @@ bool ExportThread::chooseOutput(const BaseContainer& vp, Plan& plan)
 	return true;
 }
 
-void ExportThread::chooseFrames(Plan& plan) const
+bool ExportThread::chooseFrames(Plan& plan)
 {
 	const RenderData* rd = document->GetActiveRenderData();
 	if(!rd)
-		return;
+		return true;
 	const BaseContainer* data = rd->GetDataInstance();
 	const BaseTime from = data->GetTime(RDATA_FRAMEFROM, BaseTime(0, 1));
 	const BaseTime to = data->GetTime(RDATA_FRAMETO, BaseTime(0, 1));
@@ -133,7 +133,14 @@ void ExportThread::chooseFrames(Plan& plan) const
 		plan.fps = rate;
 	plan.from = frameAt(from, plan.fps);
 	plan.to = frameAt(to, plan.fps);
+	if(plan.to < plan.from)
+	{
+		fail(String("The frame range ends before it starts (frames ") + String::IntToString(plan.from) + String(" to ")
+			+ String::IntToString(plan.to) + String(")"));
+		return false;
+	}
 	plan.is_animation = plan.from != plan.to ? 1 : 0;
+	return true;
 }
 
 bool ExportThread::readVideoPost(const BaseContainer& vp, Plan& plan)
@@ -142,8 +149,8 @@ bool ExportThread::readVideoPost(const BaseContainer& vp, Plan& plan)
 		return false;
 	if(!chooseOutput(vp, plan))
 		return false;
-	if(vp.GetBool(vp_animation))
-		chooseFrames(plan);
+	if(vp.GetBool(vp_animation) && !chooseFrames(plan))
+		return false;
 	plan.renderer.low_priority = vp.GetBool(vp_low_priority, true);
 	plan.console = vp.GetBool(vp_console, false);
 	plan.merge_vertices = vp.GetBool(vp_merge_vertices, true) ? 1 : 0;

@@ -53,7 +53,9 @@ private:
 	bool readVideoPost(const BaseContainer& vp, Plan& plan);
 	bool chooseSceneFile(const BaseContainer& vp, Plan& plan);
 	bool chooseOutput(const BaseContainer& vp, Plan& plan);
-	void chooseFrames(Plan& plan) const;
+	// The render data's frames; false (failed) for a range that ends before
+	// it starts.
+	bool chooseFrames(Plan& plan);
 	// Exports every frame; false when cancelled.
 	bool exportFrames(Plan& plan);
 

@@ -227,8 +227,12 @@ TEST_F(RenderWithVelorn, Failures)
 	vp.SetBool(vp_use_document_dir, false);
 	vp.SetFilename(vp_export_path, Filename("/no such folder/a.vls"));
 	render();
+	vp.SetBool(vp_custom_export, false);
+	animate(5, 2);
+	render();
 	EXPECT_EQ(messages(), (std::vector<String>{String("Export failed:\nDocument is not saved, cannot obtain document path.."),
-							  String("Export failed:\nExport filename is empty or directory does not exist..")}));
+							  String("Export failed:\nExport filename is empty or directory does not exist.."),
+							  String("Export failed:\nThe frame range ends before it starts (frames 5 to 2).")}));
 	EXPECT_EQ(launches(), 0u);
 
 	std::filesystem::remove(install.file("velorn.exe"));
