@@ -4,7 +4,7 @@ PRESET ?= default
 BUILD_DIR = build/$(PRESET)
 OUT ?= out
 
-.PHONY: deps build run test asan tsan bench clean
+.PHONY: deps build run test asan tsan bench clean windows windows-test
 
 deps:
 	scripts/install-deps
@@ -27,6 +27,26 @@ asan:
 # ThreadSanitizer.
 tsan:
 	$(MAKE) test PRESET=tsan
+
+# The Windows build: cross compiled with MinGW-w64 and its tests run under
+# Wine. The preset follows the word size that scripts/install-deps-windows
+# could install Wine for.
+WINDOWS_ARCH = $(shell cat build/windows-deps/arch 2>/dev/null)
+WINDOWS_PRESET = $(if $(filter x86_64,$(WINDOWS_ARCH)),windows-x86_64,windows)
+WINE = env WINEPREFIX=$(CURDIR)/build/windows/wine-prefix WINEDEBUG=-all wine
+
+windows:
+	scripts/install-deps-windows
+	$(MAKE) windows-test
+
+# Each test program runs once, as a whole: Wine takes a while to start, which
+# ctest would pay once per test.
+windows-test:
+	cmake --preset $(WINDOWS_PRESET)
+	cmake --build --preset $(WINDOWS_PRESET)
+	cd build/windows/bin && status=0; for t in *_tests.exe; do \
+	  echo "== $$t"; $(WINE) ./$$t --gtest_brief=1 || status=1; \
+	done; exit $$status
 
 bench: build
 	$(BUILD_DIR)/bench/mesh_bench

@@ -3,15 +3,18 @@
 #include "c4d/host_clock.h"
 #include "c4d/host_paths.h"
 #include "host/plugin_ids.h"
+#include "host/registration.h"
 #include "host/renderer_launch.h"
 #include "host/settings.h"
 #include "support/exceptions.h"
 #include "support/file_utils.h"
+#include "support/platform.h"
 
 #include <tinyxml.h>
 
 #include <chrono>
 #include <thread>
+#include <vector>
 
 namespace
 {
@@ -37,6 +40,31 @@ bool findPreviewRenderer()
 Filename iesPreviewScene()
 {
 	return GeGetC4DPath(C4D_PATH_PREFS) + Filename("preview") + Filename("iespreview.vls");
+}
+
+bool installIesPreviewTemplate()
+{
+	const std::string from = pathOf(moduleResourceFile("preview"));
+	const std::string to = pathOf(GeGetC4DPath(C4D_PATH_PREFS) + Filename("preview"));
+	std::vector<std::string> names;
+	if(!Velorn::Platform::listDirectory(from, names))
+		return false;
+	try
+	{
+		for(const std::string& name : names)
+		{
+			const std::string target = Velorn::FileUtils::join(to, name);
+			if(Velorn::FileUtils::fileExists(target))
+				continue;
+			Velorn::FileUtils::createDirsForPath(to);
+			Velorn::FileUtils::copyFile(Velorn::FileUtils::join(from, name), target);
+		}
+	}
+	catch(const Velorn::FileUtilsExcep&)
+	{
+		return false;
+	}
+	return true;
 }
 
 Filename chooseIesPreviewFile()
@@ -95,6 +123,9 @@ IesPreviewOutcome renderIesPreview(BaseContainer& data)
 	if(!findPreviewRenderer())
 		return IesPreviewOutcome::NoRenderer;
 
+	// The template comes with the module; a copy that the user has edited
+	// is kept.
+	installIesPreviewTemplate();
 	const Filename scene = iesPreviewScene();
 	if(!writeIesPreviewScene(scene, ies_file))
 		return IesPreviewOutcome::NoTemplate;

@@ -26,6 +26,13 @@ enum class IesPreviewOutcome
 // preference folder.
 Filename iesPreviewScene();
 
+// Puts the plug-in's template, the files of the folder "preview" in the
+// module's res folder, into the folder "preview" of the host's preference
+// folder, which is made. A file that is there already is kept, so that a
+// template the user has edited stays his. False when the module has no
+// such folder or a file cannot be copied.
+bool installIesPreviewTemplate();
+
 // A new picture file for a preview: "preview", the host's timer in decimal
 // and ".png", in "Velorn for Cinema 4D" then "renders" of the host's
 // preference folder, which is made. Each try waits a short random time
@@ -40,6 +47,7 @@ Filename chooseIesPreviewFile();
 bool writeIesPreviewScene(const Filename& scene, const Filename& ies_file);
 
 // The preview of the tag whose parameters are data: chooses the picture
-// file (kept in data) on the first run, finds the renderer, edits the
-// template and runs the renderer on it, waiting for it to end.
+// file (kept in data) on the first run, finds the renderer, installs the
+// template where files of it are missing, edits it and runs the renderer
+// on it, waiting for it to end.
 IesPreviewOutcome renderIesPreview(BaseContainer& data);

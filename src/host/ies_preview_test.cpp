@@ -13,9 +13,12 @@
 #include "host/settings.h"
 #include "support/exceptions.h"
 #include "support/file_utils.h"
+#include "support/platform.h"
 #include "support/platform_utils.h"
+#include "support/user_data_dir.h"
 
 #include <filesystem>
+#include <memory>
 #include <sstream>
 
 using namespace Velorn;
@@ -55,14 +58,7 @@ protected:
 	void SetUp() override
 	{
 		registerPlugins({RegisterLightTag});
-		try
-		{
-			saved_home = PlatformUtils::getEnvironmentVariable("XDG_CONFIG_HOME");
-		}
-		catch(const PlatformUtilsExcep&)
-		{
-		}
-		PlatformUtils::setEnvironmentVariable("XDG_CONFIG_HOME", home.path());
+		data_dir = std::make_unique<VelornTest::UserDataDirectory>(home.path());
 		PlatformUtils::setEnvironmentVariable("VELORN_RECORD_ARGUMENTS", record());
 		PlatformUtils::setEnvironmentVariable("VELORN_RECORD_PNG", "1");
 		prefs = GeGetC4DPath(C4D_PATH_PREFS).GetString().GetStdString();
@@ -70,7 +66,7 @@ protected:
 
 	void TearDown() override
 	{
-		PlatformUtils::setEnvironmentVariable("XDG_CONFIG_HOME", saved_home);
+		data_dir.reset();
 		PlatformUtils::setEnvironmentVariable("VELORN_RECORD_PNG", "");
 		HostPluginTest::TearDown();
 	}
@@ -133,13 +129,16 @@ protected:
 	}
 
 	VelornTest::TempDir home, renderer, out, lamps;
-	std::string saved_home;
+	std::unique_ptr<VelornTest::UserDataDirectory> data_dir;
 	std::string prefs;
 };
 
 } // namespace
 
-TEST_F(IesPreviewTest, RendersTheTemplateWithTheProfileAndShowsIt)
+// Its expected scene and recorded arguments are written with the line ends
+// of POSIX text files.
+#ifndef _WIN32
+TEST_F(IesPreviewTest, RendersTheTemplateWithTheProfileAndShowsItWithPosixLineEnds)
 {
 	install();
 	const std::string profile = lamps.file("spot light.ies");
@@ -177,7 +176,7 @@ TEST_F(IesPreviewTest, RendersTheTemplateWithTheProfileAndShowsIt)
 	// The picture file: "preview", the timer and ".png" in the renders folder.
 	const std::string picture = previewFile(tag);
 	const std::string renders = FileUtils::join(FileUtils::join(prefs, "Velorn for Cinema 4D"), "renders");
-	ASSERT_EQ(picture.substr(0, renders.size() + 8), renders + "/preview");
+	ASSERT_EQ(picture.substr(0, renders.size() + 8), renders + Velorn::Platform::preferredSeparator() + "preview");
 	ASSERT_EQ(picture.substr(picture.size() - 4), ".png");
 	const std::string stem = picture.substr(0, picture.size() - 4);
 	EXPECT_EQ(argumentsAfterSeed(), "--thread_priority\nbelownormal\n-o\n" + stem + ".png\n-vlio\n" + stem
@@ -201,6 +200,7 @@ TEST_F(IesPreviewTest, RendersTheTemplateWithTheProfileAndShowsIt)
 	EXPECT_EQ(previewFile(tag), picture);
 	EXPECT_NE(argumentsAfterSeed().find("-o\n" + picture + "\n"), std::string::npos);
 }
+#endif
 
 TEST_F(IesPreviewTest, ProfileCutShortEndsWithoutPicture)
 {

@@ -7,9 +7,11 @@
 #include "support/platform.h"
 #include "support/platform_utils.h"
 #include "support/test_files.h"
+#include "support/user_data_dir.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <thread>
@@ -77,15 +79,7 @@ TEST(RendererLaunch, CommandLine)
 TEST(RendererLaunch, StartsTheRecordedRenderer)
 {
 	VelornTest::TempDir home, install, out;
-	std::string saved;
-	try
-	{
-		saved = PlatformUtils::getEnvironmentVariable("XDG_CONFIG_HOME");
-	}
-	catch(const PlatformUtilsExcep&)
-	{
-	}
-	PlatformUtils::setEnvironmentVariable("XDG_CONFIG_HOME", home.path());
+	const VelornTest::UserDataDirectory data_dir(home.path());
 	const std::string record = out.file("arguments.txt");
 	PlatformUtils::setEnvironmentVariable("VELORN_RECORD_ARGUMENTS", record);
 	HostConsole::get().clear();
@@ -101,12 +95,13 @@ TEST(RendererLaunch, StartsTheRecordedRenderer)
 	const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
 	while(!FileUtils::fileExists(record) && std::chrono::steady_clock::now() < deadline)
 		std::this_thread::sleep_for(std::chrono::milliseconds(10));
-	const std::string recorded = VelornTest::readFile(record);
+	std::string recorded = VelornTest::readFile(record);
+	// The recording program writes text lines, which end in CR LF on Windows.
+	recorded.erase(std::remove(recorded.begin(), recorded.end(), '\r'), recorded.end());
 	const size_t seed_end = recorded.find('\n', std::string("velorn_console.exe\n-seed\n").size());
 	EXPECT_EQ(recorded.substr(0, std::string("velorn_console.exe\n-seed\n").size()), "velorn_console.exe\n-seed\n");
 	ASSERT_NE(seed_end, std::string::npos);
 	EXPECT_EQ(recorded.substr(seed_end), "\n--thread_priority\nbelownormal\n/my scenes/a b.vls\n");
 
-	PlatformUtils::setEnvironmentVariable("XDG_CONFIG_HOME", saved);
 	HostConsole::get().clear();
 }

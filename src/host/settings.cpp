@@ -4,9 +4,12 @@
 #include "host/plugin_globals.h"
 #include "support/exceptions.h"
 #include "support/file_utils.h"
+#include "support/platform.h"
 #include "support/platform_utils.h"
 
 #include <tinyxml.h>
+
+#include <cstdio>
 
 namespace
 {
@@ -33,11 +36,26 @@ TiXmlElement* settingsElement(TiXmlDocument& doc)
 	return nullptr;
 }
 
+// The settings file is opened through the platform layer, which hands
+// Windows the path in UTF-16: a user's data directory may hold any
+// character. It is read as bytes, since TinyXML reads a whole file of the
+// length it asked for, which the text mode of Windows would cut short by its
+// CR LF line ends; TinyXML reads those itself.
+bool loadSettings(TiXmlDocument& doc)
+{
+	FILE* file = Velorn::Platform::openFile(settingsFilePath(), "rb");
+	if(!file)
+		return false;
+	const bool loaded = doc.LoadFile(file);
+	std::fclose(file);
+	return loaded;
+}
+
 // The renderer directory recorded in the settings file, or an empty name.
 Filename settingsRendererDir()
 {
 	TiXmlDocument doc;
-	if(!doc.LoadFile(settingsFilePath().c_str()))
+	if(!loadSettings(doc))
 		return Filename();
 	const TiXmlElement* settings = settingsElement(doc);
 	const TiXmlElement* path = settings ? settings->FirstChildElement("PATH") : nullptr;
@@ -98,9 +116,8 @@ bool findRenderer(bool console, Filename& out)
 
 void saveRendererDir(const Filename& path)
 {
-	const std::string file = settingsFilePath();
 	TiXmlDocument doc;
-	doc.LoadFile(file.c_str());
+	loadSettings(doc);
 	if(TiXmlElement* old = settingsElement(doc))
 		doc.RemoveChild(old);
 	TiXmlElement settings("global_settings");
@@ -108,7 +125,11 @@ void saveRendererDir(const Filename& path)
 	path_element.InsertEndChild(TiXmlText(pathOf(path).c_str()));
 	settings.InsertEndChild(path_element);
 	doc.InsertEndChild(settings);
-	doc.SaveFile(file.c_str());
+	if(FILE* file = Velorn::Platform::openFile(settingsFilePath(), "w"))
+	{
+		doc.SaveFile(file);
+		std::fclose(file);
+	}
 }
 
 bool askRendererDir()

@@ -3,8 +3,10 @@
 #include "c4d/dialog_script.h"
 #include "support/exceptions.h"
 #include "support/file_utils.h"
+#include "support/platform.h"
 #include "support/platform_utils.h"
 #include "support/test_files.h"
+#include "support/user_data_dir.h"
 
 #include <gtest/gtest.h>
 
@@ -13,34 +15,22 @@ using namespace Velorn;
 namespace
 {
 
+// The settings file is written in text mode, whose line ends are the
+// system's, and names are joined with the system's separator.
+#ifdef _WIN32
+const std::string EOL = "\r\n";
+#else
+const std::string EOL = "\n";
+#endif
+const std::string SEP(1, Platform::preferredSeparator());
+
 // A user whose application data lives in a scratch directory, with the
 // dialog script emptied before and after.
 class RendererDiscovery : public testing::Test
 {
 protected:
-	void SetUp() override
-	{
-		saved_config = configHome();
-		PlatformUtils::setEnvironmentVariable("XDG_CONFIG_HOME", home.path());
-		DialogScript::get().clear();
-	}
-	void TearDown() override
-	{
-		PlatformUtils::setEnvironmentVariable("XDG_CONFIG_HOME", saved_config);
-		DialogScript::get().clear();
-	}
-
-	static std::string configHome()
-	{
-		try
-		{
-			return PlatformUtils::getEnvironmentVariable("XDG_CONFIG_HOME");
-		}
-		catch(const PlatformUtilsExcep&)
-		{
-			return "";
-		}
-	}
+	void SetUp() override { DialogScript::get().clear(); }
+	void TearDown() override { DialogScript::get().clear(); }
 
 	// A directory that holds a renderer executable.
 	std::string installation(const std::string& name)
@@ -55,7 +45,7 @@ protected:
 
 	VelornTest::TempDir home;
 	VelornTest::TempDir renderers;
-	std::string saved_config;
+	const VelornTest::UserDataDirectory data_dir{home.path()};
 };
 
 } // namespace
@@ -89,20 +79,20 @@ TEST_F(RendererDiscovery, AChosenDirectoryIsSavedAndFoundNextTime)
 	DialogScript::get().push(DialogAnswer::choose(Filename(dir.c_str())));
 	EXPECT_TRUE(askRendererDir());
 	EXPECT_EQ(DialogScript::get().requests().size(), 2u);
-	EXPECT_EQ(VelornTest::readFile(settingsFile()), "<global_settings>\n    <PATH>" + dir + "</PATH>\n</global_settings>\n");
+	EXPECT_EQ(VelornTest::readFile(settingsFile()), "<global_settings>" + EOL + "    <PATH>" + dir + "</PATH>" + EOL + "</global_settings>" + EOL);
 
 	Filename found;
 	ASSERT_TRUE(findRenderer(false, found));
-	EXPECT_EQ(found.GetString().GetStdString(), dir + "/velorn.exe");
+	EXPECT_EQ(found.GetString().GetStdString(), dir + SEP + "velorn.exe");
 	// The console executable is named without checking that it is there.
 	ASSERT_TRUE(findRenderer(true, found));
-	EXPECT_EQ(found.GetString().GetStdString(), dir + "/velorn_console.exe");
+	EXPECT_EQ(found.GetString().GetStdString(), dir + SEP + "velorn_console.exe");
 
 	// Saving again replaces the recorded directory.
 	const std::string moved = installation("Velorn 2");
 	saveRendererDir(Filename(moved.c_str()));
 	ASSERT_TRUE(findRenderer(false, found));
-	EXPECT_EQ(found.GetString().GetStdString(), moved + "/velorn.exe");
+	EXPECT_EQ(found.GetString().GetStdString(), moved + SEP + "velorn.exe");
 	EXPECT_EQ(VelornTest::readFile(settingsFile()).find(dir + "<"), std::string::npos);
 }
 

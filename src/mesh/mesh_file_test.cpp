@@ -320,10 +320,14 @@ TEST(MeshFile, OpenAndStreamFailuresNameThePath)
 	Mesh mesh;
 	expectVelornError([&] { readMeshFromFile(missing, mesh); }, "Failed to open file '" + missing + "' for reading.");
 
+#ifndef _WIN32
+	// Linux devices, which Wine shows to a Windows program too, through
+	// other calls than the ones these failures need.
 	// A device that takes no data fails when the buffered bytes go out.
 	if(std::filesystem::exists("/dev/full"))
 		expectVelornError([&] { writeMeshToFile("/dev/full", makeSampleMesh()); }, "Error while writing to '/dev/full'.");
 	// A file whose size cannot be found cannot be checked against its counts.
 	if(std::filesystem::exists("/proc/self/status"))
 		expectVelornError([&] { readMeshFromFile("/proc/self/status", mesh); }, "Error while reading from '/proc/self/status'.");
+#endif
 }

@@ -7,19 +7,32 @@
 #include "c4d/base_document.h"
 #include "c4d/console.h"
 #include "c4d/document_file.h"
+#include "c4d/host_clock.h"
 #include "c4d/plugin_registry.h"
 #include "c4d/render_data.h"
 #include "c4d/render_document.h"
+#include "c4d/resources.h"
 #include "c4d/special_events.h"
+#include "export/export_settings.h"
+#include "export/material_hooks.h"
+#include "export/scene_exporter.h"
+#include "host/camera_tag.h"
 #include "host/plugin_globals.h"
 #include "host/plugin_ids.h"
+#include "materials/material_export.h"
+#include "materials/material_plugin.h"
 #include "support/file_utils.h"
 #include "support/platform_utils.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstdlib>
 #include <thread>
 
 #ifdef STANDIN_RENDERER_DIR
@@ -43,17 +56,72 @@ bool waitFor(Condition condition, double seconds = 20)
 	return true;
 }
 
+struct Rgb
+{
+	int r, g, b;
+};
+
+Rgb pixel(const BaseBitmap& bitmap, int32_t x, int32_t y)
+{
+	uint16_t r = 0, g = 0, b = 0;
+	bitmap.GetPixel(x, y, &r, &g, &b);
+	return Rgb{r, g, b};
+}
+
+int largestDifference(const Rgb& a, const Rgb& b)
+{
+	return std::max({std::abs(a.r - b.r), std::abs(a.g - b.g), std::abs(a.b - b.b)});
+}
+
+// The mean of each channel over the picture.
+std::array<double, 3> channelMeans(const BaseBitmap& bitmap)
+{
+	std::array<double, 3> sum{0, 0, 0};
+	for(int32_t y = 0; y < bitmap.GetBh(); ++y)
+		for(int32_t x = 0; x < bitmap.GetBw(); ++x)
+		{
+			const Rgb p = pixel(bitmap, x, y);
+			sum[0] += p.r;
+			sum[1] += p.g;
+			sum[2] += p.b;
+		}
+	const double n = (double)bitmap.GetBw() * bitmap.GetBh();
+	return {sum[0] / n, sum[1] / n, sum[2] / n};
+}
+
 class InHostRender : public testing::Test
 {
 protected:
 	static void SetUpTestSuite()
 	{
 		if(!PluginRegistry::get().find(ID_VIDEO_POST))
+		{
 			ASSERT_TRUE(RegisterVelornVideoPost());
+		}
+		// The scenes' cameras carry the plug-in's camera tag and their balls
+		// host materials, which the export converts into the plug-in's:
+		// both register under names of the module's resources.
+		ASSERT_TRUE(HostResources::get().init(Filename(String(VelornTest::testDataPath("../src/host")))))
+			<< HostResources::get().error().GetStdString();
+		if(!PluginRegistry::get().find(ID_CAMERA_TAG))
+		{
+			ASSERT_TRUE(RegisterCameraTag());
+		}
+		if(!PluginRegistry::get().find(ID_VELORN_MATERIAL))
+		{
+			ASSERT_TRUE(RegisterVelornMaterial());
+		}
+		InstallMaterialExport();
 		ASSERT_TRUE(RegisterVelornMessage());
 		ASSERT_TRUE(RegisterPauseRenderingCommand());
 		ASSERT_TRUE(RegisterResumeRenderingCommand());
 		ASSERT_TRUE(RegisterUpdateImageCommand());
+	}
+
+	static void TearDownTestSuite()
+	{
+		SetMaterialExportHooks(nullptr);
+		HostResources::get().clear();
 	}
 
 	void SetUp() override
@@ -76,6 +144,7 @@ protected:
 		RunMainThreadEvents();
 		renderState().clear();
 		g_context = nullptr;
+		HostClock::get().release();
 		for(BaseDocument* doc : docs)
 			BaseDocument::Free(doc);
 		Velorn::PlatformUtils::setEnvironmentVariable("XDG_CONFIG_HOME", saved_config);
@@ -89,15 +158,41 @@ protected:
 		load_error = error;
 	}
 
-	// A camera looking at a sphere at width by 24 pixels, halted after
-	// halt_spp samples per pixel (-1: no halt) and not by time.
-	BaseDocument* document(int width = 40, double halt_spp = 4)
+	// What a test scene holds besides its camera, sun and sky.
+	enum class Ball
 	{
+		None,
+		Grey,
+		Red,
+	};
+
+	// A camera looking at a ball of 100 cm radius from 300 cm away, at width
+	// by 24 pixels, under a sun and sky, halted after halt_spp samples per
+	// pixel (-1: no halt) and not by time. The camera needs the plug-in's
+	// tag: without one the export reads the tone mapping from an empty
+	// container, Reinhard with every parameter 0, which maps every picture
+	// to black. The tag maps linearly with a scale of 0.25, since the
+	// mean-based exposures would tie the background's pixels to what else
+	// is in the picture.
+	BaseDocument* document(int width = 40, double halt_spp = 4, Ball ball = Ball::Grey)
+	{
+		std::string ball_object;
+		if(ball == Ball::Grey)
+			ball_object = R"({"type": 5160, "name": "Ball"},)";
+		else if(ball == Ball::Red)
+			ball_object = R"({"type": 5160, "name": "Ball",
+				"tags": [{"type": 5616, "params": [{"id": 1010, "type": "link", "value": "Red"}]}]},)";
 		const std::string text = R"({"version": 1, "unit": "cm", "fps": 25, "camera": "Camera",
+			"materials": [{"type": 5703, "name": "Red", "params": [{"id": 2100, "type": "vector", "value": [0.8, 0.05, 0.05]}]}],
 			"objects": [
-				{"type": 5103, "name": "Camera", "matrix": {"off": [0, 0, -300], "v1": [1, 0, 0], "v2": [0, 1, 0], "v3": [0, 0, 1]}},
-				{"type": 5160, "name": "Ball"}],
-			"render": {"videoposts": [{"type": 1020896}]}})";
+				{"type": 5103, "name": "Camera", "matrix": {"off": [0, 0, -300], "v1": [1, 0, 0], "v2": [0, 1, 0], "v3": [0, 0, 1]},
+					"tags": [{"type": 1022083, "params": [{"id": 1945, "type": "long", "value": 1946},
+						{"id": 1949, "type": "real", "value": 0.25}]}]},
+				)" + ball_object + R"(
+				{"type": 5140, "name": "Sun", "matrix": {"off": [0, 0, 0], "v1": [0.707107, 0, 0.707107],
+					"v2": [-0.5, 0.707107, 0.5], "v3": [-0.5, -0.707107, 0.5]}}],
+			"render": {"videoposts": [{"type": 1020896,
+				"params": [{"id": 1301, "type": "link", "value": "Sun"}, {"id": 1368, "type": "long", "value": 1364}]}]}})";
 		BaseDocument* doc = ReadDocumentText(text, Filename(home.file("scene.json").c_str()));
 		EXPECT_NE(doc, nullptr);
 		docs.push_back(doc);
@@ -110,6 +205,24 @@ protected:
 		vp->SetInt32(vp_auto_threads, 0);
 		vp->SetInt32(vp_num_threads, 2);
 		return doc;
+	}
+
+	// Renders doc on this thread into bitmap; the render's result.
+	int32_t render(BaseDocument* doc, BaseBitmap& bitmap)
+	{
+		return RenderDocument(doc, *doc->GetActiveRenderData()->GetDataInstance(), &bitmap, 0, nullptr);
+	}
+
+	// Fixes the host's timer and random seed, so that the seed a render
+	// hands the renderer repeats; returns that seed: the first number of a
+	// generator seeded from the timer, times a second reading of the timer.
+	int32_t fixRenderSeed()
+	{
+		HostClock::get().fixTime(1000);
+		HostClock::get().fixSeed(4711);
+		Random random;
+		random.Init(0);
+		return (int32_t)(random.Get01() * 1000);
 	}
 
 	VelornVideoPost* videoPost(BaseDocument* doc)
@@ -160,18 +273,105 @@ TEST_F(InHostRender, HaltsJustOverTheSamplesAndCleansUp)
 	EXPECT_TRUE(state.root.isNull());
 }
 
+TEST_F(InHostRender, PictureEqualsTheExecutablesOfTheSameSceneAndSeed)
+{
+	ASSERT_EQ(load_code, 0) << load_error;
+	const int32_t seed = fixRenderSeed();
+	BaseDocument* doc = document(40, 4);
+	BaseBitmap in_host;
+	ASSERT_EQ(render(doc, in_host), RENDERRESULT_OK);
+	ASSERT_EQ(in_host.GetBw(), 40);
+	ASSERT_EQ(in_host.GetBh(), 24);
+
+	// The library is handed the tree, not a file: the same export, written
+	// as a scene file, is the executable's input.
+	const std::string scene = home.file("same.vls");
+	{
+		std::vector<Filename> temp_files;
+		ExportSettings settings(doc, Filename(String(scene)), &temp_files, 0, 40, 24, 0, 0, 0, 0);
+		SceneExporter exporter(&settings);
+		Velorn::Reference<Velorn::SceneNodeRoot> root = exporter.exportScene();
+		ASSERT_TRUE(root.nonNull());
+		root->finalise(Velorn::String(scene));
+		root->writeToFile(Velorn::String(scene), false, nullptr);
+	}
+	// The in-host loop halts when it sees more than 4 samples per pixel,
+	// which the library makes 5 passes; the executable halts at its count.
+	const std::string image = home.file("executable.png");
+	const std::string command = std::string("'") + STANDIN_RENDERER_DIR + "/velorn.exe' -seed " + std::to_string(seed) +
+		" -haltspp 5 -o '" + image + "' '" + scene + "' >'" + home.file("out.txt") + "' 2>&1";
+	const int status = std::system(command.c_str());
+	ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << VelornTest::readFile(home.file("out.txt"));
+	BaseBitmap executable;
+	ASSERT_EQ(executable.Init(Filename(String(image))), IMAGERESULT_OK);
+	ASSERT_EQ(executable.GetBw(), 40);
+	ASSERT_EQ(executable.GetBh(), 24);
+
+	// A pixel's samples depend only on the pixel, the pass and the seed,
+	// not on which thread took its row: the two pictures are the same pixel
+	// for pixel, within one level of rounding.
+	int worst = 0;
+	for(int32_t y = 0; y < 24; ++y)
+		for(int32_t x = 0; x < 40; ++x)
+			worst = std::max(worst, largestDifference(pixel(in_host, x, y), pixel(executable, x, y)));
+	EXPECT_LE(worst, 1);
+	// Not two black pictures: the sky alone lies well above black.
+	const std::array<double, 3> means = channelMeans(in_host);
+	for(int c = 0; c < 3; ++c)
+	{
+		SCOPED_TRACE(c);
+		EXPECT_GT(means[c], 40);
+		EXPECT_NEAR(means[c], channelMeans(executable)[c], 0.5);
+	}
+}
+
+TEST_F(InHostRender, RedBallIsRedWhereItIsAndTheSkyIsLeftAlone)
+{
+	ASSERT_EQ(load_code, 0) << load_error;
+	fixRenderSeed();
+	BaseBitmap ball, sky;
+	ASSERT_EQ(render(document(48, 2, Ball::Red), ball), RENDERRESULT_OK);
+	ASSERT_EQ(render(document(48, 2, Ball::None), sky), RENDERRESULT_OK);
+	ASSERT_EQ(ball.GetBw(), 48);
+	ASSERT_EQ(sky.GetBw(), 48);
+
+	// The ball (100 cm at 300 cm, 54 degrees across 48 pixels) covers
+	// columns 10 to 38 in the middle row, all rows in the middle columns.
+	for(int32_t y = 8; y < 16; ++y)
+		for(int32_t x = 20; x < 28; ++x)
+		{
+			SCOPED_TRACE(testing::Message() << "ball at " << x << ", " << y);
+			const Rgb red = pixel(ball, x, y), behind = pixel(sky, x, y);
+			EXPECT_GT(red.r, 3 * red.g);
+			EXPECT_GT(red.r, 3 * red.b);
+			EXPECT_GT(red.r, 60);
+			// Without the ball the same pixels are the sky's, nowhere red.
+			EXPECT_GT(5 * behind.g, 4 * behind.r);
+		}
+	// Five columns on each side see past the ball: the same rays meet the
+	// same sky in both renders.
+	for(int32_t y = 0; y < 24; ++y)
+		for(int32_t x : {0, 1, 2, 3, 4, 43, 44, 45, 46, 47})
+		{
+			SCOPED_TRACE(testing::Message() << "sky at " << x << ", " << y);
+			EXPECT_LE(largestDifference(pixel(ball, x, y), pixel(sky, x, y)), 1);
+		}
+}
+
 TEST_F(InHostRender, PauseResumeUpdateAndBreakFromTheMainThread)
 {
 	ASSERT_EQ(load_code, 0) << load_error;
 	BaseDocument* doc = document(40, -1);
 	BaseBitmap bitmap;
-	RenderThread thread(doc, &bitmap);
-	ASSERT_TRUE(thread.Start(String("Render")));
 	const PluginRecord* pause = PluginRegistry::get().find(ID_PAUSE_RENDERING);
 	const PluginRecord* resume = PluginRegistry::get().find(ID_RESUME_RENDERING);
 	const PluginRecord* update = PluginRegistry::get().find(ID_UPDATE_IMAGE);
 	ASSERT_TRUE(pause && resume && update);
+	// Nothing to pause before the render thread has stored its renderer
+	// (asked before the thread starts: it may store it at once).
 	EXPECT_EQ(pause->command->GetState(doc), 0);
+	RenderThread thread(doc, &bitmap);
+	ASSERT_TRUE(thread.Start(String("Render")));
 	ASSERT_TRUE(waitFor([&] { return runningSpp() >= 2; }));
 
 	EXPECT_EQ(pause->command->GetState(doc), CMD_ENABLED);

@@ -18,7 +18,9 @@ protected:
 	static void SetUpTestSuite()
 	{
 		if(!PluginRegistry::get().find(ID_VIDEO_POST))
+		{
 			ASSERT_TRUE(RegisterVelornVideoPost());
+		}
 	}
 	void TearDown() override
 	{

@@ -16,7 +16,6 @@ using SetParametersFn = void (*)(InterfaceBase*, const Reference<SceneNode>*, co
 	const Reference<SceneNode>*, String*);
 using VoidFn = void (*)(InterfaceBase*);
 using BoolFn = bool (*)(InterfaceBase*);
-using GPUListFn = void (*)(InterfaceBase*, Reference<InterfaceBase>*);
 
 } // namespace
 
@@ -77,18 +76,6 @@ void ToneMapper::update()
 bool ToneMapper::isDone()
 {
 	return object->entry<BoolFn>(ToneMapperTable::IsDone)(object.getPointer());
-}
-
-HardwareInfo::HardwareInfo(const Reference<VelornContext>& context)
-{
-	context->create_instance(String("HardwareInfoDLLAPI"), object);
-}
-
-HardwareInfo::~HardwareInfo() = default;
-
-void HardwareInfo::getGPUInfo(Reference<InterfaceBase>& out)
-{
-	object->entry<GPUListFn>(HardwareInfoTable::GetGPUList)(object.getPointer(), &out);
 }
 
 } // namespace Velorn

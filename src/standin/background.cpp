@@ -90,8 +90,11 @@ void Background::addEscaped(const V3& dir, const V3& weight, bool with_sun_disc,
 	{
 		// Longitude about z from the x axis, latitude up from the horizon.
 		SurfacePoint sp;
-		sp.u = std::atan2(dir.y, dir.x) / (2 * pi) + 0.5f;
-		sp.v = std::asin(std::fmin(std::fmax(dir.z, -1.0f), 1.0f)) / pi + 0.5f;
+		if(emitter->reads_coordinates)
+		{
+			sp.u = std::atan2(dir.y, dir.x) / (2 * pi) + 0.5f;
+			sp.v = std::asin(std::fmin(std::fmax(dir.z, -1.0f), 1.0f)) / pi + 0.5f;
+		}
 		addEmission(*emitter, sp, weight, layers);
 		return;
 	}

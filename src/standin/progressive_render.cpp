@@ -154,43 +154,58 @@ void ProgressiveRender::renderPassHere()
 	++passes_done;
 }
 
+RayCounts ProgressiveRender::getRayCounts() const
+{
+	RayCounts counts;
+	counts.camera = camera_rays.load();
+	counts.bounce = bounce_rays.load();
+	counts.shadow = shadow_rays.load();
+	return counts;
+}
+
 void ProgressiveRender::renderRows(uint32_t pass)
 {
 	const uint32_t rows = buffer.getInternalHeight();
-	std::vector<std::vector<V3>> row_layers;
-	std::vector<float> row_alpha;
+	const uint32_t width = buffer.getInternalWidth();
+	const size_t layer_count = buffer.layers.size();
+	// The row's scratch space, allocated once per thread and pass.
+	std::vector<std::vector<V3>> row_layers(layer_count, std::vector<V3>(width));
+	std::vector<float> row_alpha(width);
+	std::vector<V3> sample(std::max(layer_count, scene->getSettings().layer_count));
+	RayCounts counts;
 	for(;;)
 	{
 		if(stop_requested)
-			return;
+			break;
 		waitWhilePaused();
 		const uint32_t y = next_row++;
 		if(y >= rows)
-			return;
-		renderRow(y, pass, row_layers, row_alpha);
+			break;
+		renderRow(y, pass, row_layers, row_alpha, sample, counts);
 	}
+	camera_rays += counts.camera;
+	bounce_rays += counts.bounce;
+	shadow_rays += counts.shadow;
 }
 
 void ProgressiveRender::renderRow(uint32_t y, uint32_t pass, std::vector<std::vector<V3>>& row_layers,
-	std::vector<float>& row_alpha)
+	std::vector<float>& row_alpha, std::vector<V3>& sample, RayCounts& counts)
 {
 	const uint32_t width = buffer.getInternalWidth();
 	const size_t layer_count = buffer.layers.size();
 	const TraceSettings& settings = scene->getSettings();
 	const float ss = (float)settings.super_sample_factor;
+	const Camera& camera = scene->getCamera();
 
-	row_layers.assign(layer_count, std::vector<V3>(width));
-	row_alpha.assign(width, 0.0f);
-	std::vector<V3> sample(std::max(layer_count, settings.layer_count));
 	for(uint32_t x = 0; x < width; ++x)
 	{
 		Rng rng(mix(seed ^ mix(((uint64_t)y << 32) | x)), pass);
 		const float film_x = (x + rng.uniform()) / ss - filter_margin;
 		const float film_y = (y + rng.uniform()) / ss - filter_margin;
-		const Ray ray = scene->getCamera().generateRay(film_x, film_y, rng.uniform(), rng.uniform());
+		const Ray ray = camera.generateRay(film_x, film_y, rng.uniform(), rng.uniform());
 		std::fill(sample.begin(), sample.end(), V3(0));
 		bool hit = false;
-		scene->radiance(ray, rng, sample, hit);
+		scene->radiance(ray, rng, sample, hit, &counts);
 		for(size_t l = 0; l < layer_count; ++l)
 		{
 			// A path that met something no float can hold adds nothing.

@@ -51,10 +51,14 @@ public:
 	// Renders one pass on the calling thread: for tests and benchmarks.
 	void renderPassHere();
 
+	// The rays cast so far, by role; complete for the passes done.
+	RayCounts getRayCounts() const;
+
 private:
 	void run();
 	void renderRows(uint32_t pass);
-	void renderRow(uint32_t y, uint32_t pass, std::vector<std::vector<V3>>& row_layers, std::vector<float>& row_alpha);
+	void renderRow(uint32_t y, uint32_t pass, std::vector<std::vector<V3>>& row_layers, std::vector<float>& row_alpha,
+		std::vector<V3>& sample, RayCounts& counts);
 	bool haltReached() const;
 	void waitWhilePaused();
 
@@ -70,6 +74,9 @@ private:
 	std::atomic<bool> done{false};
 	std::atomic<uint32_t> passes_done{0};
 	std::atomic<uint32_t> next_row{0};
+	// Each thread counts on its own and adds its counts here when its share
+	// of a pass is done.
+	std::atomic<uint64_t> camera_rays{0}, bounce_rays{0}, shadow_rays{0};
 
 	mutable std::mutex state_mutex;
 	std::condition_variable state_changed;

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <map>
 #include <thread>
@@ -165,6 +166,41 @@ TEST_F(SdkLibrary, RendersPausesResumesStopsAndToneMaps)
 	tone_mapper = nullptr;
 	EXPECT_EQ(destroy_calls[renderer_object], 1);
 	EXPECT_EQ(destroy_calls[tone_mapper_object], 1);
+}
+
+TEST_F(SdkLibrary, CommandsFromAnotherThreadMeetARenderBeingRebuilt)
+{
+	// The host's commands (pause, resume, the status readings) come from the
+	// main thread while the render thread builds and rebuilds the scene:
+	// every call must find either the former render or the new one, never
+	// one half torn down.
+	Reference<SceneNodeRoot> root = makeRoot(8, 6, Vec3d(0, 0, 0), Vec3d(0, 1, 0));
+	StandinTest::addUniformBackground(*root, 1.0, 0);
+	Reference<RenderBuffer> buffer = new RenderBuffer(*root);
+	Reference<InterfaceBase> renderer = create("VelornInterface");
+	InterfaceBase* r = renderer.getPointer();
+	const Vector<String> args{String("dummy.vls")};
+	ASSERT_EQ(r->entry<InitialiseWithSceneFn>(RendererTable::InitialiseWithScene)(r, &root, buffer.getPointer(), &args), 0);
+	r->entry<VoidFn>(RendererTable::StartRendering)(r);
+
+	std::atomic<bool> rebuilding{true};
+	std::thread render_thread([&] {
+		for(int i = 0; i < 20; ++i)
+			r->entry<UpdateSceneFn>(RendererTable::UpdateScene)(r, &root);
+		rebuilding = false;
+	});
+	while(rebuilding)
+	{
+		r->entry<VoidFn>(RendererTable::PauseRendering)(r);
+		r->entry<DoubleFn>(RendererTable::GetSamplesPerPixel)(r);
+		r->entry<DoubleFn>(RendererTable::GetElapsedTime)(r);
+		r->entry<VoidFn>(RendererTable::ResumeRendering)(r);
+	}
+	render_thread.join();
+	// The last render runs on.
+	r->entry<VoidFn>(RendererTable::ResumeRendering)(r);
+	EXPECT_TRUE(waitFor([&] { return r->entry<DoubleFn>(RendererTable::GetSamplesPerPixel)(r) >= 1; }));
+	r->entry<VoidFn>(RendererTable::StopRendering)(r);
 }
 
 TEST_F(SdkLibrary, SceneThatCannotBeRenderedGivesAnErrorMessage)

@@ -143,7 +143,25 @@ RendererObject::RendererObject()
 
 RendererObject::~RendererObject()
 {
-	render.reset();
+	dropRender();
+}
+
+std::shared_ptr<ProgressiveRender> RendererObject::currentRender() const
+{
+	std::lock_guard<std::mutex> lock(render_mutex);
+	return render;
+}
+
+void RendererObject::dropRender()
+{
+	std::shared_ptr<ProgressiveRender> old;
+	{
+		std::lock_guard<std::mutex> lock(render_mutex);
+		old.swap(render);
+	}
+	// Stopped here, outside the lock: stopping joins the render's threads.
+	if(old)
+		old->stop();
 }
 
 int RendererObject::initialise(const String& sdk_dir_, const String& appdata_dir_)
@@ -155,7 +173,7 @@ int RendererObject::initialise(const String& sdk_dir_, const String& appdata_dir
 
 int RendererObject::initialiseWithScene(const Reference<SceneNodeRoot>& root_, RenderBuffer* buffer_, const Vector<String>& args)
 {
-	render.reset();
+	dropRender();
 	root = root_;
 	buffer = buffer_;
 	// The first word of the arguments is the scene's path, real or not;
@@ -179,15 +197,17 @@ bool RendererObject::prepare()
 		if(mb.getFinalWidth() != s.width || mb.getFinalHeight() != s.height || mb.layers.size() < s.layer_count ||
 			mb.getInternalWidth() != (s.width + 8) * s.super_sample_factor)
 			throw Exception("The render buffer does not fit the scene's render settings.");
-		render = std::make_unique<ProgressiveRender>(scene, *buffer->master_buffer, buffer->pixels_mutex,
+		auto new_render = std::make_shared<ProgressiveRender>(scene, *buffer->master_buffer, buffer->pixels_mutex,
 			threadsFromSettings(*root), seed);
 		const auto& rs = static_cast<const SceneNodeRenderSettings&>(*root->getRenderSettingsNode());
 		// The render halts once samples per pixel pass the scene's halt,
 		// which is how the plug-in's poll loop tests it: a halt of 4 ends
 		// after the fifth pass, so that the loop sees more than 4.
 		const double halt_spp = rs.settings.contains("halt_samples_per_pixel") ? rs.getDouble("halt_samples_per_pixel") : -1;
-		render->setHalt(halt_spp > 0 ? std::floor(halt_spp) + 1 : halt_spp,
+		new_render->setHalt(halt_spp > 0 ? std::floor(halt_spp) + 1 : halt_spp,
 			rs.settings.contains("halt_time") ? rs.getDouble("halt_time") : -1);
+		std::lock_guard<std::mutex> lock(render_mutex);
+		render = std::move(new_render);
 		return true;
 	}
 	catch(const MessageException& e)
@@ -199,14 +219,15 @@ bool RendererObject::prepare()
 		postMessage(MessageTable::ErrorMessage, e.what());
 	}
 	scene.reset();
-	render.reset();
+	dropRender();
 	return false;
 }
 
 void RendererObject::updateScene(const Reference<SceneNodeRoot>& new_root)
 {
-	const bool was_running = render && render->isRunning();
-	render.reset();
+	const std::shared_ptr<ProgressiveRender> former = currentRender();
+	const bool was_running = former && former->isRunning();
+	dropRender();
 	root = new_root;
 	if(buffer.nonNull() && buffer->master_buffer)
 	{
@@ -215,41 +236,43 @@ void RendererObject::updateScene(const Reference<SceneNodeRoot>& new_root)
 			std::fill(layer.image.getData(), layer.image.getData() + layer.image.numPixels() * 3, 0.0f);
 	}
 	if(prepare() && was_running)
-		render->start();
+		startRendering();
 }
 
 void RendererObject::startRendering()
 {
-	if(render)
-		render->start();
+	if(const auto r = currentRender())
+		r->start();
 }
 
 void RendererObject::pauseRendering()
 {
-	if(render)
-		render->pause();
+	if(const auto r = currentRender())
+		r->pause();
 }
 
 void RendererObject::resumeRendering()
 {
-	if(render)
-		render->resume();
+	if(const auto r = currentRender())
+		r->resume();
 }
 
 void RendererObject::stopRendering()
 {
-	if(render)
-		render->stop();
+	if(const auto r = currentRender())
+		r->stop();
 }
 
 double RendererObject::getSamplesPerPixel() const
 {
-	return render ? render->getSamplesPerPixel() : 0;
+	const auto r = currentRender();
+	return r ? r->getSamplesPerPixel() : 0;
 }
 
 double RendererObject::getElapsedTime() const
 {
-	return render ? render->getElapsedTime() : 0;
+	const auto r = currentRender();
+	return r ? r->getElapsedTime() : 0;
 }
 
 void RendererObject::postMessage(int type, const std::string& text)
@@ -359,11 +382,11 @@ void ToneMapperObject::toneMapNow()
 		super_sample_factor = this->super_sample_factor;
 		gains = this->gains;
 	}
+	// Read band by band under the buffer's lock, so that the render's
+	// threads, which take it for every row they finish, are held up by one
+	// band at a time and not by the whole pass.
 	Image linear;
-	{
-		std::lock_guard<std::mutex> lock(render_buffer->pixels_mutex);
-		resolveBuffer(*render_buffer->master_buffer, gains.data(), super_sample_factor, linear);
-	}
+	resolveBuffer(*render_buffer->master_buffer, gains.data(), super_sample_factor, linear, &render_buffer->pixels_mutex);
 	if(bytes)
 	{
 		Bitmap bitmap(1, 1, 4);

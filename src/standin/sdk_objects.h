@@ -63,9 +63,18 @@ private:
 	Reference<SceneNodeRoot> root;
 	Reference<RenderBuffer> buffer;
 	std::shared_ptr<TracerScene> scene;
-	std::unique_ptr<ProgressiveRender> render;
 	std::string scene_path;
 	uint64_t seed = 1;
+
+	// The render under way. The thread that builds the scene replaces it
+	// while others (the host's commands) may pause or read it: render_mutex
+	// guards the pointer only, and every call goes to a copy taken under
+	// it, so that no lock is held while a render's threads are joined.
+	mutable std::mutex render_mutex;
+	std::shared_ptr<ProgressiveRender> render;
+	std::shared_ptr<ProgressiveRender> currentRender() const;
+	// Ends the render under way, if any, and forgets it.
+	void dropRender();
 
 	// Makes the scene and the render of root into buffer; false, with an
 	// error message posted, when the scene cannot be rendered.

@@ -1,6 +1,7 @@
 #include "standin/shading_values.h"
 
 #include "scene/channel_params.h"
+#include "scene/shader_info.h"
 #include "scene/tex_coord_generator.h"
 #include "scene/texture.h"
 #include "scene/wavelength_values.h"
@@ -144,6 +145,24 @@ TextureMap ChannelReader::textureAt(int index)
 	return cache.get(texture_list[index]);
 }
 
+std::shared_ptr<const ShaderProgram> ChannelReader::program(const ShaderInfo* info)
+{
+	if(!info)
+	{
+		shader_errors.push_back("a shader without a program");
+		return nullptr;
+	}
+	try
+	{
+		return std::make_shared<const ShaderProgram>(info->shader.str());
+	}
+	catch(const Exception& e)
+	{
+		shader_errors.push_back(e.what());
+		return nullptr;
+	}
+}
+
 ColourValue ChannelReader::colour(const Reference<WavelengthDependentParam>& param, const V3& fallback)
 {
 	ColourValue value;
@@ -156,10 +175,16 @@ ColourValue ChannelReader::colour(const Reference<WavelengthDependentParam>& par
 	else if(auto* texture = dynamic_cast<TextureWavelengthDependentParam*>(param.getPointer()))
 	{
 		value.has_texture = true;
+		reads_coordinates = true;
 		value.texture = textureAt(texture->texture_index);
 	}
+	else if(auto* shader = dynamic_cast<ShaderWavelengthDependentParam*>(param.getPointer()))
+	{
+		value.shader = program(shader->shader_info.getPointer());
+		reads_coordinates = true;
+	}
 	else if(param.nonNull())
-		used_shader = true;
+		shader_errors.push_back("a channel of an unknown form");
 	return value;
 }
 
@@ -172,10 +197,16 @@ ScalarValue ChannelReader::scalar(const Reference<WavelengthIndependentParam>& p
 	else if(auto* texture = dynamic_cast<TextureWavelengthIndependentParam*>(param.getPointer()))
 	{
 		value.has_texture = true;
+		reads_coordinates = true;
 		value.texture = textureAt(texture->texture_index);
 	}
+	else if(auto* shader = dynamic_cast<ShaderWavelengthIndependentParam*>(param.getPointer()))
+	{
+		value.shader = program(shader->shader_info.getPointer());
+		reads_coordinates = true;
+	}
 	else if(param.nonNull())
-		used_shader = true;
+		shader_errors.push_back("a channel of an unknown form");
 	return value;
 }
 
@@ -188,10 +219,16 @@ ScalarValue ChannelReader::scalar(const Reference<DisplacementParam>& param, flo
 	else if(auto* texture = dynamic_cast<TextureDisplacementParam*>(param.getPointer()))
 	{
 		value.has_texture = true;
+		reads_coordinates = true;
 		value.texture = textureAt(texture->texture_index);
 	}
+	else if(auto* shader = dynamic_cast<ShaderDisplacementParam*>(param.getPointer()))
+	{
+		value.shader = program(shader->shader_info.getPointer());
+		reads_coordinates = true;
+	}
 	else if(param.nonNull())
-		used_shader = true;
+		shader_errors.push_back("a channel of an unknown form");
 	return value;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "standin/shader_program.h"
 #include "standin/tracer_math.h"
 #include "support/image.h"
 #include "support/velorn_vector.h"
@@ -7,11 +8,13 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace Velorn
 {
 
 class Spectrum;
+class ShaderInfo;
 class Texture;
 class WavelengthDependentParam;
 class WavelengthIndependentParam;
@@ -60,36 +63,47 @@ private:
 	std::map<std::pair<std::string, double>, std::shared_ptr<const Image>> images;
 };
 
-// A colour channel of a material: a constant or a texture. Shader programs
-// are out of this renderer's reach and read as the constant.
+// A colour channel of a material: a constant, a texture or a shader
+// program. A program this renderer cannot read leaves the constant.
 struct ColourValue
 {
 	V3 constant;
 	bool has_texture = false;
 	TextureMap texture;
+	std::shared_ptr<const ShaderProgram> shader;
 
-	V3 eval(float u, float v) const { return has_texture ? texture.eval(u, v) : constant; }
+	V3 eval(const ShadePoint& p) const
+	{
+		return shader ? shader->evalColour(p) : (has_texture ? texture.eval(p.u, p.v) : constant);
+	}
 };
 
 // A single number of a material: the mean of a texture's channels where
-// there is one.
+// there is one, a shader program's real result (or the mean of its vec3).
 struct ScalarValue
 {
 	float constant = 0;
 	bool has_texture = false;
 	TextureMap texture;
+	std::shared_ptr<const ShaderProgram> shader;
 
-	float eval(float u, float v) const { return has_texture ? texture.eval(u, v).average() : constant; }
+	float eval(const ShadePoint& p) const
+	{
+		return shader ? shader->evalReal(p) : (has_texture ? texture.eval(p.u, p.v).average() : constant);
+	}
 };
 
-// The channel readers. A null parameter gives the fallback; a shader gives
-// the fallback too, and sets used_shader so that the caller can say so.
-// texture_list is the owning material's textures.
+// The channel readers. A null parameter gives the fallback; so does a
+// shader whose program cannot be read, which is added to shader_errors so
+// that the caller can say so. texture_list is the owning material's
+// textures.
 struct ChannelReader
 {
 	TextureCache& cache;
 	const Vector<Texture>& texture_list;
-	bool used_shader = false;
+	std::vector<std::string> shader_errors;
+	// Set once a channel is a texture or a shader.
+	bool reads_coordinates = false;
 
 	ColourValue colour(const Reference<WavelengthDependentParam>& param, const V3& fallback);
 	ScalarValue scalar(const Reference<WavelengthIndependentParam>& param, float fallback);
@@ -97,6 +111,9 @@ struct ChannelReader
 
 private:
 	TextureMap textureAt(int index);
+	// The compiled program of a shader parameter, or null after noting why
+	// not.
+	std::shared_ptr<const ShaderProgram> program(const ShaderInfo* info);
 };
 
 } // namespace Standin

@@ -113,7 +113,7 @@ const ShadingMaterial* MaterialLibrary::convert(const Material& material, const 
 {
 	ShadingMaterial* out = make();
 	out->name = name;
-	ChannelReader reader{textures, material.textures};
+	ChannelReader reader{textures, material.textures, {}};
 	out->backface_emit = material.backface_emit;
 
 	switch(material.getType())
@@ -224,8 +224,17 @@ const ShadingMaterial* MaterialLibrary::convert(const Material& material, const 
 		throw Exception("Material '" + name + "' is of kind '" + material.getTypeName().str() +
 						"', which this renderer does not support.");
 	}
-	if(reader.used_shader)
-		shader_warnings.push_back(name);
+	out->reads_coordinates = reader.reads_coordinates || (out->a && out->a->reads_coordinates) ||
+							 (out->b && out->b->reads_coordinates);
+	for(const ShadingMaterial* part : out->parts)
+		out->reads_coordinates = out->reads_coordinates || part->reads_coordinates;
+	if(!reader.shader_errors.empty())
+	{
+		std::string reason = reader.shader_errors.front();
+		if(!reason.empty() && reason.back() == '.')
+			reason.pop_back();
+		shader_warnings.push_back("Material '" + name + "' uses shaders; they are read as constants (" + reason + ").");
+	}
 	return out;
 }
 
@@ -243,20 +252,20 @@ Lobe chooseLobe(const ShadingMaterial& material, const SurfacePoint& sp, const V
 		{
 		case SurfaceKind::Diffuse:
 			lobe.kind = Lobe::Diffuse;
-			lobe.colour = m->albedo.eval(sp.u, sp.v);
+			lobe.colour = m->albedo.eval(sp);
 			return lobe;
 		case SurfaceKind::OrenNayar:
 			lobe.kind = Lobe::OrenNayar;
-			lobe.colour = m->albedo.eval(sp.u, sp.v);
-			lobe.sigma = m->sigma.eval(sp.u, sp.v);
+			lobe.colour = m->albedo.eval(sp);
+			lobe.sigma = m->sigma.eval(sp);
 			return lobe;
 		case SurfaceKind::Phong:
 		{
-			lobe.alpha = exponentToAlpha(m->exponent.eval(sp.u, sp.v));
+			lobe.alpha = exponentToAlpha(m->exponent.eval(sp));
 			if(m->has_specular)
 			{
 				lobe.kind = Lobe::Glossy;
-				lobe.colour = m->specular.eval(sp.u, sp.v);
+				lobe.colour = m->specular.eval(sp);
 				return lobe;
 			}
 			// A dielectric: the Fresnel share goes to the gloss, the rest to
@@ -270,13 +279,13 @@ Lobe chooseLobe(const ShadingMaterial& material, const SurfacePoint& sp, const V
 			else
 			{
 				lobe.kind = Lobe::Diffuse;
-				lobe.colour = m->albedo.eval(sp.u, sp.v);
+				lobe.colour = m->albedo.eval(sp);
 			}
 			return lobe;
 		}
 		case SurfaceKind::DiffuseTransmitter:
 			lobe.kind = Lobe::Transmit;
-			lobe.colour = m->albedo.eval(sp.u, sp.v);
+			lobe.colour = m->albedo.eval(sp);
 			return lobe;
 		case SurfaceKind::Mirror:
 			lobe.kind = Lobe::Mirror;
@@ -288,14 +297,14 @@ Lobe chooseLobe(const ShadingMaterial& material, const SurfacePoint& sp, const V
 		case SurfaceKind::GlossyGlass:
 			lobe.kind = Lobe::GlossyGlass;
 			lobe.ior = m->ior;
-			lobe.alpha = exponentToAlpha(m->exponent.eval(sp.u, sp.v));
+			lobe.alpha = exponentToAlpha(m->exponent.eval(sp));
 			return lobe;
 		case SurfaceKind::Null:
 			lobe.kind = Lobe::PassThrough;
 			return lobe;
 		case SurfaceKind::Blend:
 		{
-			float t = std::fmin(std::fmax(m->blend.eval(sp.u, sp.v), 0.0f), 1.0f);
+			float t = std::fmin(std::fmax(m->blend.eval(sp), 0.0f), 1.0f);
 			if(m->step_blend)
 				t = t > 0.5f ? 1.0f : 0.0f;
 			m = rng.uniform() < t ? m->b : m->a;
@@ -306,7 +315,7 @@ Lobe chooseLobe(const ShadingMaterial& material, const SurfacePoint& sp, const V
 			float total = 0;
 			std::vector<float> w(m->parts.size());
 			for(size_t i = 0; i < w.size(); ++i)
-				total += (w[i] = std::fmax(0.0f, m->weights[i].eval(sp.u, sp.v)));
+				total += (w[i] = std::fmax(0.0f, m->weights[i].eval(sp)));
 			if(total <= 0)
 			{
 				lobe.kind = Lobe::Absorb;
@@ -325,19 +334,19 @@ Lobe chooseLobe(const ShadingMaterial& material, const SurfacePoint& sp, const V
 			const float F = fresnelDielectric(cos_o, m->ior);
 			if(rng.uniform() < F)
 			{
-				const float roughness = m->roughness.eval(sp.u, sp.v);
+				const float roughness = m->roughness.eval(sp);
 				lobe.kind = roughness < 1e-3f ? Lobe::Mirror : Lobe::Glossy;
 				lobe.alpha = roughness;
 				return lobe;
 			}
 			// Through the layer and back: absorbed along twice its thickness.
-			weight_out *= exp(m->absorption.eval(sp.u, sp.v) * (-2 * m->thickness.eval(sp.u, sp.v)));
+			weight_out *= exp(m->absorption.eval(sp) * (-2 * m->thickness.eval(sp)));
 			m = m->a;
 			break;
 		}
 		case SurfaceKind::DoubleSidedThin:
 		{
-			const V3 t = m->transmittance.eval(sp.u, sp.v);
+			const V3 t = m->transmittance.eval(sp);
 			const float p = std::fmin(std::fmax(t.average(), 0.0f), 0.99f);
 			if(rng.uniform() < p)
 			{
@@ -477,7 +486,7 @@ void addEmission(const ShadingMaterial& material, const SurfacePoint& sp, const 
 	{
 	case SurfaceKind::Blend:
 	{
-		float t = std::fmin(std::fmax(material.blend.eval(sp.u, sp.v), 0.0f), 1.0f);
+		float t = std::fmin(std::fmax(material.blend.eval(sp), 0.0f), 1.0f);
 		if(material.step_blend)
 			t = t > 0.5f ? 1.0f : 0.0f;
 		if(material.a && t < 1)
@@ -488,7 +497,7 @@ void addEmission(const ShadingMaterial& material, const SurfacePoint& sp, const 
 	}
 	case SurfaceKind::Sum:
 		for(size_t i = 0; i < material.parts.size(); ++i)
-			addEmission(*material.parts[i], sp, weight * material.weights[i].eval(sp.u, sp.v), layers);
+			addEmission(*material.parts[i], sp, weight * material.weights[i].eval(sp), layers);
 		return;
 	default:
 		break;
@@ -496,7 +505,7 @@ void addEmission(const ShadingMaterial& material, const SurfacePoint& sp, const 
 	if(!material.emits || (!sp.front_face && !material.backface_emit))
 		return;
 	if(material.layer < layers.size())
-		layers[material.layer] += weight * material.base_emission.eval(sp.u, sp.v) * material.emission.eval(sp.u, sp.v);
+		layers[material.layer] += weight * material.base_emission.eval(sp) * material.emission.eval(sp);
 }
 
 } // namespace Standin

@@ -40,6 +40,9 @@ struct ShadingMaterial
 {
 	SurfaceKind kind = SurfaceKind::Diffuse;
 	std::string name;
+	// A channel of it or of one of its parts reads texture coordinates (a
+	// texture or a shader): hits on other materials skip computing them.
+	bool reads_coordinates = false;
 
 	ColourValue albedo;      // diffuse, Oren-Nayar, Phong's diffuse part, transmitter
 	ColourValue specular;    // Phong's metal colour, when has_specular
@@ -84,7 +87,8 @@ public:
 	// A material without a node (the background's).
 	const ShadingMaterial* convert(const Material& material, const std::string& name);
 
-	// Names of materials that use shader programs, which read as constants.
+	// One line for each material with shaders this renderer cannot read,
+	// which read as constants.
 	std::vector<std::string> shader_warnings;
 
 private:
@@ -96,13 +100,12 @@ private:
 	const ShadingMaterial* default_material = nullptr;
 };
 
-// What a surface looks like at a hit, in world space.
-struct SurfacePoint
+// What a surface looks like at a hit, in world space: the position, texture
+// coordinates and viewing cosine that channels read, and the normals.
+struct SurfacePoint : ShadePoint
 {
-	V3 position;
 	V3 geometric_normal;  // facing the incoming ray
 	V3 shading_normal;    // on the same side as geometric_normal
-	float u = 0, v = 0;
 	bool front_face = true;  // the ray came from the side the normal of the surface points to
 };
 

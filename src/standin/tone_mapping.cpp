@@ -6,6 +6,7 @@
 #include "support/filter_function.h"
 #include "support/task_manager.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace Velorn
@@ -18,6 +19,10 @@ namespace
 
 // The luminance that the automatic exposure gives the mean of a picture.
 const double middle_grey = 0.18;
+
+// Rows of the render buffer read under its lock at a time: a band of a
+// wide picture takes well under a millisecond.
+const uint32_t resolve_band_rows = 16;
 
 // Linear sRGB of an XYZ colour.
 void xyzToRGB(double X, double Y, double Z, double rgb[3])
@@ -118,16 +123,24 @@ ToneMapSettings ToneMapSettings::fromNodes(const SceneNode* tone_mapping, const 
 	return s;
 }
 
-void resolveBuffer(const MasterBuffer& buffer, const double* layer_gains, uint32_t ss, Image& out)
+void resolveBuffer(const MasterBuffer& buffer, const double* layer_gains, uint32_t ss, Image& out, std::mutex* rows_lock)
 {
-	Image sum(buffer.getInternalWidth(), buffer.getInternalHeight());
-	for(size_t l = 0; l < buffer.layers.size(); ++l)
+	const uint32_t width = buffer.getInternalWidth(), height = buffer.getInternalHeight();
+	Image sum(width, height);
+	for(uint32_t first = 0; first < height; first += resolve_band_rows)
 	{
-		const float gain = layer_gains ? (float)layer_gains[l] : 1.0f;
-		const float* src = buffer.layers[l].image.getData();
-		float* dst = sum.getData();
-		for(size_t i = 0; i < sum.numPixels() * 3; ++i)
-			dst[i] += src[i] * gain;
+		const uint32_t end = std::min(height, first + resolve_band_rows);
+		std::unique_lock<std::mutex> lock;
+		if(rows_lock)
+			lock = std::unique_lock<std::mutex>(*rows_lock);
+		for(size_t l = 0; l < buffer.layers.size(); ++l)
+		{
+			const float gain = layer_gains ? (float)layer_gains[l] : 1.0f;
+			const float* src = buffer.layers[l].image.getData();
+			float* dst = sum.getData();
+			for(size_t i = (size_t)first * width * 3; i < (size_t)end * width * 3; ++i)
+				dst[i] += src[i] * gain;
+		}
 	}
 	TaskManager tasks(1);
 	BoxFilterFunction box;

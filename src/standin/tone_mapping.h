@@ -4,6 +4,8 @@
 #include "support/image.h"
 #include "support/master_buffer.h"
 
+#include <mutex>
+
 namespace Velorn
 {
 
@@ -38,8 +40,12 @@ struct ToneMapSettings
 
 // The final linear picture of a buffer: its layers summed, each times the
 // gain of its layer setting (1 where there is none), the margin dropped and
-// the supersamples averaged.
-void resolveBuffer(const MasterBuffer& buffer, const double* layer_gains, uint32_t super_sample_factor, Image& out);
+// the supersamples averaged. With rows_lock, the lock that a running render
+// writes its rows under, the buffer is read a band of rows at a time, each
+// under the lock: the render's threads then wait for one band at most, not
+// for the whole buffer, and a row is never read half written.
+void resolveBuffer(const MasterBuffer& buffer, const double* layer_gains, uint32_t super_sample_factor, Image& out,
+	std::mutex* rows_lock = nullptr);
 
 // The picture's mean luminance, over all pixels.
 double meanLuminance(const Image& image);

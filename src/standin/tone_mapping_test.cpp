@@ -117,6 +117,27 @@ TEST(ToneMapping, ResolveSumsLayersByGainAndDropsTheMargin)
 	EXPECT_FLOAT_EQ(out.getPixel(1, 0)[0], 3 + 5);
 }
 
+TEST(ToneMapping, ResolveUnderTheRowsLockReadsEveryBandOnce)
+{
+	// Final 1 x 40, super sampling 1: 48 internal rows, read in bands of 16
+	// under the lock. Row y holds y, so a row skipped or read twice at a
+	// band's edge shows in the output row y - 4.
+	MasterBuffer buffer(9, 48, 1, 1, 40, {"a"}, false);
+	for(uint32_t y = 0; y < 48; ++y)
+		for(uint32_t x = 0; x < 9; ++x)
+			buffer.layers[0].image.getPixel(x, y)[0] = (float)y;
+	std::mutex rows_lock;
+	Image out;
+	resolveBuffer(buffer, nullptr, 1, out, &rows_lock);
+	ASSERT_EQ(out.getWidth(), 1u);
+	ASSERT_EQ(out.getHeight(), 40u);
+	for(uint32_t y = 0; y < 40; ++y)
+		EXPECT_FLOAT_EQ(out.getPixel(0, y)[0], (float)(y + 4)) << "row " << y;
+	// Left unlocked for the render.
+	EXPECT_TRUE(rows_lock.try_lock());
+	rows_lock.unlock();
+}
+
 } // namespace
 } // namespace Standin
 } // namespace Velorn

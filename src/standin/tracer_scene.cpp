@@ -53,6 +53,15 @@ Matrix3d cofactor(const Matrix3d& m)
 	return c;
 }
 
+// Where the path that this thread traces counts its rays; null outside
+// radiance.
+struct PathLog
+{
+	RayCounts* counts;
+	std::vector<CastRay>* record;
+};
+thread_local PathLog* path_log = nullptr;
+
 int32_t readInt(const SceneNodeRenderSettings& s, const char* key, int32_t fallback)
 {
 	return s.settings.contains(key) ? s.getInt(key) : fallback;
@@ -167,9 +176,9 @@ TracerScene::TracerScene(const SceneNodeRoot& root, const std::string& scene_dir
 	camera = std::make_unique<Camera>(static_cast<const SceneNodeCamera&>(*camera_node), settings.width, settings.height);
 
 	background = Background(root, materials);
-	addModels(root);
-	for(const std::string& name : materials.shader_warnings)
-		warnings.push_back("Material '" + name + "' uses shaders; they are read as constants.");
+	addModels(root, scene_dir);
+	collectIesTriangles();
+	warnings.insert(warnings.end(), materials.shader_warnings.begin(), materials.shader_warnings.end());
 	buildEmbree();
 }
 
@@ -181,7 +190,7 @@ TracerScene::~TracerScene()
 		rtcReleaseDevice(device);
 }
 
-void TracerScene::addModels(const SceneNodeRoot& root)
+void TracerScene::addModels(const SceneNodeRoot& root, const std::string& scene_dir)
 {
 	for(const Reference<SceneNode>& child : root.getChildren())
 	{
@@ -222,6 +231,7 @@ void TracerScene::addModels(const SceneNodeRoot& root)
 				m = Matrix3d::axisAngle(k.rotation_axis, k.rotation_angle) * m;
 		}
 		Matrix3d normal_matrix = cofactor(m);
+		const std::vector<int> material_emitters = addIesEmitters(model, m, scene_dir);
 
 		PlacedMesh placed;
 		placed.invisible_to_camera = model.invisible_to_camera;
@@ -252,6 +262,8 @@ void TracerScene::addModels(const SceneNodeRoot& root)
 			}
 			placed.triangle_materials.push_back(
 				mat_index < model_materials.size() ? model_materials[mat_index] : materials.get(nullptr));
+			if(!material_emitters.empty())
+				placed.triangle_emitters.push_back(mat_index < material_emitters.size() ? material_emitters[mat_index] : -1);
 		};
 		for(const MeshTriangle& t : mesh.triangles)
 			addTriangle(t.vertex_indices, t.uv_indices, t.tri_mat_index);
@@ -277,7 +289,13 @@ void TracerScene::buildEmbree()
 	scene = rtcNewScene(device);
 	for(size_t i = 0; i < meshes.size(); ++i)
 	{
-		const PlacedMesh& mesh = meshes[i];
+		PlacedMesh& mesh = meshes[i];
+		if(!mesh.normals.empty())
+		{
+			mesh.corner_normals.reserve(mesh.indices.size());
+			for(uint32_t index : mesh.indices)
+				mesh.corner_normals.push_back(mesh.normals[index]);
+		}
 		RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
 		auto* v = static_cast<float*>(rtcSetNewGeometryBuffer(
 			geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, 3 * sizeof(float), mesh.positions.size()));
@@ -336,6 +354,12 @@ bool TracerScene::intersect(const V3& origin, const V3& dir, float t_near, float
 
 bool TracerScene::occluded(const V3& origin, const V3& dir, float t_near, float t_far) const
 {
+	if(path_log)
+	{
+		++path_log->counts->shadow;
+		if(path_log->record)
+			path_log->record->push_back(CastRay{origin, dir, t_near, t_far, true});
+	}
 	RTCIntersectContext context;
 	rtcInitIntersectContext(&context);
 	RTCRay ray;
@@ -370,34 +394,74 @@ SurfacePoint TracerScene::surfaceAt(const RTCRayHit& hit, const V3& origin, cons
 		shading = outward;
 		material = s.material;
 		// Longitude and latitude as texture coordinates.
-		sp.u = std::atan2(outward.y, outward.x) / (2 * pi) + 0.5f;
-		sp.v = std::asin(std::fmin(std::fmax(outward.z, -1.0f), 1.0f)) / pi + 0.5f;
+		if(material->reads_coordinates)
+		{
+			sp.u = std::atan2(outward.y, outward.x) / (2 * pi) + 0.5f;
+			sp.v = std::asin(std::fmin(std::fmax(outward.z, -1.0f), 1.0f)) / pi + 0.5f;
+		}
 	}
 	else
 	{
 		const PlacedMesh& mesh = meshes[geometry_mesh[hit.hit.geomID]];
 		const size_t tri = hit.hit.primID;
-		const uint32_t* idx = &mesh.indices[tri * 3];
-		const V3 &p0 = mesh.positions[idx[0]], &p1 = mesh.positions[idx[1]], &p2 = mesh.positions[idx[2]];
-		outward = normalise(cross(p1 - p0, p2 - p0));
+		// Embree's geometric normal is (p1 - p0) x (p2 - p0), as the mesh
+		// winds it; taking it spares loading the corners.
+		outward = normalise(V3(hit.hit.Ng_x, hit.hit.Ng_y, hit.hit.Ng_z));
 		const float b1 = hit.hit.u, b2 = hit.hit.v, b0 = 1 - b1 - b2;
-		shading = mesh.normals.empty()
-					  ? outward
-					  : normalise(mesh.normals[idx[0]] * b0 + mesh.normals[idx[1]] * b1 + mesh.normals[idx[2]] * b2);
-		const float* uv = &mesh.uvs[tri * 6];
-		sp.u = uv[0] * b0 + uv[2] * b1 + uv[4] * b2;
-		sp.v = uv[1] * b0 + uv[3] * b1 + uv[5] * b2;
+		if(mesh.corner_normals.empty())
+			shading = outward;
+		else
+		{
+			const V3* n = &mesh.corner_normals[tri * 3];
+			shading = normalise(n[0] * b0 + n[1] * b1 + n[2] * b2);
+		}
 		material = mesh.triangle_materials[tri];
+		if(material->reads_coordinates)
+		{
+			const float* uv = &mesh.uvs[tri * 6];
+			sp.u = uv[0] * b0 + uv[2] * b1 + uv[4] * b2;
+			sp.v = uv[1] * b0 + uv[3] * b1 + uv[5] * b2;
+		}
 		invisible_to_camera = mesh.invisible_to_camera;
 	}
 	sp.front_face = dot(dir, outward) < 0;
 	sp.geometric_normal = sp.front_face ? outward : -outward;
 	sp.shading_normal = dot(shading, sp.geometric_normal) < 0 ? -shading : shading;
+	sp.cos_theta = std::fabs(dot(dir, sp.shading_normal));
 	return sp;
 }
 
-void TracerScene::radiance(const Ray& camera_ray, Rng& rng, std::vector<V3>& layers, bool& hit_out) const
+void TracerScene::radiance(const Ray& camera_ray, Rng& rng, std::vector<V3>& layers, bool& hit_out, RayCounts* counts,
+	std::vector<CastRay>* record) const
 {
+	// Tallied on the stack and added once at the end, so that counting
+	// costs the path nothing worth measuring. Occlusion queries count
+	// themselves through the thread's path log, whichever light asks them.
+	RayCounts tally;
+	struct Logging
+	{
+		PathLog log;
+		PathLog* previous;
+		RayCounts* counts;
+		Logging(RayCounts& tally, std::vector<CastRay>* record, RayCounts* counts_)
+			: log{&tally, record}, previous(path_log), counts(counts_)
+		{
+			path_log = &log;
+		}
+		~Logging()
+		{
+			path_log = previous;
+			if(counts)
+				*counts += *log.counts;
+		}
+	} logging(tally, record, counts);
+	auto cast = [&](const V3& o, const V3& d, float t_near, RTCRayHit& hit, uint64_t& counter) {
+		const float t_far = std::numeric_limits<float>::infinity();
+		++counter;
+		if(record)
+			record->push_back(CastRay{o, d, t_near, t_far, false});
+		return intersect(o, d, t_near, t_far, hit);
+	};
 	hit_out = false;
 	V3 origin = camera_ray.origin, dir = camera_ray.dir;
 	V3 weight(1);
@@ -411,14 +475,14 @@ void TracerScene::radiance(const Ray& camera_ray, Rng& rng, std::vector<V3>& lay
 		const ShadingMaterial* material = nullptr;
 		bool invisible = false;
 		SurfacePoint sp;
-		bool found = intersect(origin, dir, depth == 0 ? 0 : ray_epsilon, infinity, hit);
+		bool found = cast(origin, dir, depth == 0 ? 0 : ray_epsilon, hit, depth == 0 ? tally.camera : tally.bounce);
 		if(found)
 			sp = surfaceAt(hit, origin, dir, material, invisible);
 		// Geometry hidden from the camera lets camera rays through.
 		for(int skip = 0; found && invisible && depth == 0 && skip < 1000; ++skip)
 		{
 			origin = sp.position + dir * ray_epsilon;
-			found = intersect(origin, dir, 0, infinity, hit);
+			found = cast(origin, dir, 0, hit, tally.camera);
 			if(found)
 				sp = surfaceAt(hit, origin, dir, material, invisible);
 		}
@@ -431,10 +495,17 @@ void TracerScene::radiance(const Ray& camera_ray, Rng& rng, std::vector<V3>& lay
 			hit_out = true;
 
 		const V3 wo = -dir;
-		addEmission(*material, sp, weight, layers);
+		const int emitter = emitterAt(hit);
+		if(emitter < 0)
+			addEmission(*material, sp, weight, layers);
+		else if(after_specular)
+			addEmission(
+				*material, sp, weight * ies_emitters[emitter].radianceScale(wo, dot(wo, sp.geometric_normal)), layers);
 
 		const Lobe lobe = chooseLobe(*material, sp, wo, rng, weight);
 		const bool specular = isSpecularLobe(lobe);
+		if(!specular && !ies_triangles.empty())
+			sampleIesLights(lobe, sp, wo, weight, rng, layers);
 		if(!specular && background.has_sun && background.sun_layer < layers.size() &&
 			!background.sun_irradiance.isBlack())
 		{

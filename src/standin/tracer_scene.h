@@ -2,6 +2,7 @@
 
 #include "standin/background.h"
 #include "standin/camera.h"
+#include "standin/ies_profile.h"
 #include "standin/surface_materials.h"
 
 #include <embree3/rtcore.h>
@@ -13,7 +14,9 @@
 namespace Velorn
 {
 
+class SceneNodeModel;
 class SceneNodeRoot;
+struct Matrix3d;
 
 namespace Standin
 {
@@ -24,9 +27,15 @@ struct PlacedMesh
 {
 	std::vector<V3> positions;
 	std::vector<V3> normals;         // per vertex, or empty
+	// The normals again, three per triangle in corner order: a hit reads
+	// one place instead of the indices and three vertices.
+	std::vector<V3> corner_normals;
 	std::vector<uint32_t> indices;   // three per triangle
 	std::vector<float> uvs;          // two per corner, three corners per triangle
 	std::vector<const ShadingMaterial*> triangle_materials;
+	// Per triangle, its lamp in the scene's IES emitters or -1; empty when
+	// the model has no IES profile.
+	std::vector<int> triangle_emitters;
 	bool invisible_to_camera = false;
 };
 
@@ -47,6 +56,32 @@ struct TraceSettings
 	bool foreground_alpha = false;
 };
 
+// The rays a path casts, by role: the camera ray (and its continuations
+// through geometry hidden from the camera), the bounces, and the shadow rays
+// towards lights.
+struct RayCounts
+{
+	uint64_t camera = 0, bounce = 0, shadow = 0;
+
+	uint64_t total() const { return camera + bounce + shadow; }
+	RayCounts& operator+=(const RayCounts& o)
+	{
+		camera += o.camera;
+		bounce += o.bounce;
+		shadow += o.shadow;
+		return *this;
+	}
+};
+
+// One ray as it went to Embree, kept so that the same rays can be cast again
+// without shading.
+struct CastRay
+{
+	V3 origin, dir;
+	float t_near = 0, t_far = 0;
+	bool shadow = false;  // an occlusion query
+};
+
 // A scene ready for tracing: the geometry in one Embree scene, the
 // converted materials, the background and the camera. Built once from a
 // finalised scene tree and read only after that, by any number of threads.
@@ -63,8 +98,10 @@ public:
 
 	// Adds the light that arrives along ray into layers (one entry per
 	// light layer, which the caller clears). hit_out tells whether the ray
-	// met visible geometry first.
-	void radiance(const Ray& ray, Rng& rng, std::vector<V3>& layers, bool& hit_out) const;
+	// met visible geometry first. Every ray cast is counted into counts and
+	// appended to record where they are given.
+	void radiance(const Ray& ray, Rng& rng, std::vector<V3>& layers, bool& hit_out, RayCounts* counts = nullptr,
+		std::vector<CastRay>* record = nullptr) const;
 
 	const Camera& getCamera() const { return *camera; }
 	const TraceSettings& getSettings() const { return settings; }
@@ -77,10 +114,26 @@ public:
 	bool occluded(const V3& origin, const V3& dir, float t_near, float t_far) const;
 
 private:
-	void addModels(const SceneNodeRoot& root);
+	void addModels(const SceneNodeRoot& root, const std::string& scene_dir);
 	void buildEmbree();
 	SurfacePoint surfaceAt(const RTCRayHit& hit, const V3& origin, const V3& dir, const ShadingMaterial*& material,
 		bool& invisible_to_camera) const;
+
+	// Lamps with an IES profile are lights in their own right: a path
+	// samples them at each diffuse or glossy hit, like the sun, and sees
+	// them only from the camera and after mirror-like bounces.
+	//
+	// The emitter of each of the model's materials (-1 for none), placed
+	// by the model's matrix m; reads each profile file once.
+	std::vector<int> addIesEmitters(const SceneNodeModel& model, const Matrix3d& m, const std::string& scene_dir);
+	// Collects the triangles of lamps with profiles, for sampling by area.
+	void collectIesTriangles();
+	// The emitter of a hit triangle, or -1.
+	int emitterAt(const RTCRayHit& hit) const;
+	// Adds the light of one point chosen on the lamps with profiles, as
+	// seen through the lobe at sp.
+	void sampleIesLights(const Lobe& lobe, const SurfacePoint& sp, const V3& wo, const V3& weight, Rng& rng,
+		std::vector<V3>& layers) const;
 
 	TraceSettings settings;
 	std::unique_ptr<Camera> camera;
@@ -90,6 +143,16 @@ private:
 	std::vector<PlacedMesh> meshes;
 	std::vector<PlacedSphere> spheres;
 	std::vector<std::string> warnings;
+
+	struct IesTriangle
+	{
+		uint32_t mesh, triangle;
+		float area_to_here;  // the running sum of areas, this triangle's included
+	};
+	std::vector<std::unique_ptr<IesProfile>> ies_profiles;
+	std::vector<std::string> ies_paths;  // of ies_profiles, in order
+	std::vector<IesEmitter> ies_emitters;
+	std::vector<IesTriangle> ies_triangles;
 
 	RTCDevice device = nullptr;
 	RTCScene scene = nullptr;

@@ -1,3 +1,4 @@
+#include "scene/materials_other.h"
 #include "standin/progressive_render.h"
 #include "standin/standin_test_helpers.h"
 #include "standin/tracer_scene.h"
@@ -157,6 +158,64 @@ TEST(TracerScene, RejectsWhatItCannotRender)
 		{
 			EXPECT_EQ(e.what(), c.message);
 		}
+	}
+}
+
+TEST(ProgressiveRender, CountsEveryRayCast)
+{
+	// Looking down at a huge diffuse sphere from just above it: every
+	// camera ray hits, casts one shadow ray towards a sun overhead, and
+	// bounces once into the sky (the surface is convex, roulette starts
+	// later). So each of the 6 x 5 internal pixels of a 3 pass render adds
+	// one ray of each role, whichever thread traced it; without a sun there
+	// are no shadow rays.
+	const struct
+	{
+		bool sun;
+		uint64_t shadow_per_path;
+	} cases[] = {{true, 1}, {false, 0}};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.sun);
+		Reference<SceneNodeRoot> root = makeRoot(2, 1, Vec3d(0, 0, 1), Vec3d(0, 0.2, -1));
+		if(c.sun)
+		{
+			Reference<SunSkyMaterial> sunsky = new SunSkyMaterial();
+			sunsky->sundir = Vec3d(0, 0, 1);
+			Reference<SceneNodeBackgroundSettings> background = new SceneNodeBackgroundSettings();
+			background->background_material = sunsky;
+			root->addChildNode(background);
+		}
+		else
+			addUniformBackground(*root, 1.0, 0);
+		addSphere(*root, Vec3d(0, 0, -1000), 1000, addMaterial(*root, diffuse(0.5)));
+		auto scene = std::make_shared<TracerScene>(*root, ".");
+		MasterBuffer buffer(10, 9, 1, 2, 1, {}, false);
+		std::mutex mutex;
+		ProgressiveRender r(scene, buffer, mutex, 2, 3);
+		r.setHalt(3, -1);
+		r.start();
+		r.waitUntilDone();
+		const uint64_t paths = 3 * 10 * 9;
+		const RayCounts counts = r.getRayCounts();
+		EXPECT_EQ(counts.camera, paths);
+		EXPECT_EQ(counts.bounce, paths);
+		EXPECT_EQ(counts.shadow, c.shadow_per_path * paths);
+
+		// The record holds the same rays in the order cast: the camera ray
+		// first, shadow rays marked.
+		std::vector<CastRay> record;
+		RayCounts one;
+		std::vector<V3> layers(scene->getSettings().layer_count);
+		Rng rng(5, 0);
+		bool hit = false;
+		const Ray ray{V3(0, 0, 1), normalise(V3(0.1f, 0.2f, -1))};
+		scene->radiance(ray, rng, layers, hit, &one, &record);
+		ASSERT_EQ(record.size(), 2 + c.shadow_per_path);
+		EXPECT_EQ(one.total(), record.size());
+		EXPECT_EQ(record[0].dir.z, ray.dir.z);
+		EXPECT_FALSE(record[0].shadow);
+		EXPECT_EQ(record[1].shadow, c.sun);
 	}
 }
 

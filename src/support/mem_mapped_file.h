@@ -22,7 +22,13 @@ public:
 	const void* fileData() const { return view; }
 
 private:
+#ifdef _WIN32
+	// The file's handle and the mapping's, each null when not open.
+	void* file_handle = nullptr;
+	void* mapping_handle = nullptr;
+#else
 	int file_handle = -1;
+#endif
 	void* view = nullptr;
 	size_t size = 0;
 };

@@ -550,6 +550,15 @@ void setThisProcessPriority(int level)
 		throw PlatformUtilsExcep("SetPriorityClass failed: " + getLastErrorString());
 }
 
+int getThisProcessPriority()
+{
+	errno = 0;
+	const int nice = ::getpriority(PRIO_PROCESS, 0);
+	if(errno != 0)
+		return -1;
+	return nice == 10 ? 0 : nice == 0 ? 1 : -1;
+}
+
 std::string getEnvironmentVariable(const std::string& name)
 {
 	const char* value = environmentValue(name.c_str());

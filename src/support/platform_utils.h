@@ -35,6 +35,9 @@ std::string getLastErrorString();
 std::string getErrorString(int code);
 // 0: below normal, 1: normal.
 void setThisProcessPriority(int level);
+// The priority of this process in the same terms: 0 below normal, 1
+// normal, -1 for any other.
+int getThisProcessPriority();
 std::string getEnvironmentVariable(const std::string& name);
 void setEnvironmentVariable(const std::string& name, const std::string& value);
 // A text value of a key under the current user's hive of the system

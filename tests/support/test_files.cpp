@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <sstream>
 
 namespace VelornTest
@@ -62,11 +64,27 @@ void expectMatchesGolden(const std::string& actual, const std::string& name)
 
 TempDir::TempDir()
 {
-	std::string pattern = (std::filesystem::temp_directory_path() / "velorn_test_XXXXXX").string();
-	const char* made = mkdtemp(pattern.data());
-	if(!made)
-		throw std::runtime_error("cannot make a temporary directory");
-	dir = made;
+	// mkdtemp's way, by hand, as Windows has no mkdtemp: a random name, made
+	// only if no other directory has it.
+	std::random_device random;
+	for(int attempt = 0; attempt < 100; ++attempt)
+	{
+		char name[32];
+		std::snprintf(name, sizeof(name), "velorn_test_%08x", (unsigned)random());
+		const std::filesystem::path path = std::filesystem::temp_directory_path() / name;
+		std::error_code error;
+		if(std::filesystem::create_directory(path, error))
+		{
+			dir = path.string();
+			return;
+		}
+	}
+	throw std::runtime_error("cannot make a temporary directory");
+}
+
+std::string TempDir::file(const std::string& name) const
+{
+	return dir + (char)std::filesystem::path::preferred_separator + name;
 }
 
 TempDir::~TempDir()

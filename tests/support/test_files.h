@@ -28,7 +28,9 @@ public:
 	TempDir& operator=(const TempDir&) = delete;
 
 	const std::string& path() const { return dir; }
-	std::string file(const std::string& name) const { return dir + "/" + name; }
+	// The name joined to the directory with the system's separator, as the
+	// library joins a directory and a name.
+	std::string file(const std::string& name) const;
 
 private:
 	std::string dir;

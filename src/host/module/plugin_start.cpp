@@ -21,7 +21,7 @@
 #include "materials/new_material_command.h"
 #include "render/render_state.h"
 #include "render/video_post.h"
-#include "sdk/tone_mapper.h"
+#include "sdk/hardware_info.h"
 #include "shaders/shader_plugins.h"
 #include "support/file_utils.h"
 #include "support/platform.h"

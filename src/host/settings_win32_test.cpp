@@ -1,0 +1,135 @@
+// Renderer discovery through the registry and the launch through
+// CreateProcessW, in the Windows build under Wine. The keys are written with
+// the system's reg.exe into the current user's hive, which the build's own
+// Wine prefix holds.
+
+#include "host/plugin_globals.h"
+#include "host/renderer_launch.h"
+#include "host/settings.h"
+#include "support/file_utils.h"
+#include "support/platform.h"
+#include "support/platform_utils.h"
+#include "support/test_files.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <sstream>
+#include <thread>
+
+using namespace Velorn;
+
+namespace
+{
+
+int reg(const std::string& arguments)
+{
+	int code = -1;
+	const std::string tool = PlatformUtils::getEnvironmentVariable("SystemRoot") + "\\system32\\reg.exe";
+	EXPECT_TRUE(Platform::runProcess(tool, "reg.exe " + arguments, false, code)) << Platform::lastErrorString();
+	return code;
+}
+
+void setInstallDirectory(const std::string& key, const std::string& dir)
+{
+	ASSERT_EQ(reg("add \"HKCU\\Software\\Tessmark Labs\\" + key + "\" /v InstallDirectory /t REG_SZ /d \"" + dir
+				  + "\" /f"),
+		0);
+}
+
+std::vector<std::string> lines(const std::string& text)
+{
+	std::vector<std::string> result;
+	std::istringstream in(text);
+	// The recording program writes text lines, which end in CR LF here.
+	for(std::string line; std::getline(in, line);)
+		result.push_back(line.substr(0, line.find('\r')));
+	return result;
+}
+
+// Both keys written by the test and removed at its end, and the edition
+// flag put back.
+class RegistryDiscovery : public testing::Test
+{
+protected:
+	void SetUp() override
+	{
+		reg("delete \"HKCU\\Software\\Tessmark Labs\" /f");
+		saved_edition = realtime_edition;
+	}
+	void TearDown() override
+	{
+		reg("delete \"HKCU\\Software\\Tessmark Labs\" /f");
+		realtime_edition = saved_edition;
+	}
+
+	// A directory with a renderer in it: the recording program under the
+	// renderer's names.
+	std::string installation(const std::string& name)
+	{
+		const std::string dir = FileUtils::join(root.path(), name);
+		FileUtils::createDirsForPath(dir);
+		for(const char* exe : {"velorn.exe", "velorn_console.exe"})
+			FileUtils::copyFile(RECORD_ARGUMENTS, FileUtils::join(dir, exe));
+		return dir;
+	}
+
+	VelornTest::TempDir root;
+	int32_t saved_edition = 0;
+};
+
+} // namespace
+
+TEST_F(RegistryDiscovery, TheRendererAndTheRealtimeEditionAreFoundUnderTheirKeys)
+{
+	realtime_edition = 0;
+	EXPECT_EQ(registryInstallDir().GetString().GetStdString(), "") << "no keys";
+
+	// U+00FC in the directory's name, to cross the wide calls both ways.
+	const std::string renderer = installation("Velorn Renderer \xC3\xBC");
+	const std::string realtime = installation("Velorn RT");
+	setInstallDirectory("Velorn RT", realtime);
+	EXPECT_EQ(registryInstallDir().GetString().GetStdString(), realtime) << "only the realtime key";
+	setInstallDirectory("Velorn Renderer", renderer);
+	EXPECT_EQ(registryInstallDir().GetString().GetStdString(), renderer);
+	realtime_edition = 1;
+	EXPECT_EQ(registryInstallDir().GetString().GetStdString(), realtime);
+	realtime_edition = 0;
+
+	Filename found;
+	ASSERT_TRUE(findRenderer(false, found));
+	EXPECT_EQ(found.GetString().GetStdString(), renderer + "\\velorn.exe");
+	ASSERT_TRUE(findRenderer(true, found));
+	EXPECT_EQ(found.GetString().GetStdString(), renderer + "\\velorn_console.exe");
+}
+
+// The renderer found in the registry is started by its full path, with its
+// file name alone heading the command line, every path quoted, and below
+// normal priority asked for.
+TEST_F(RegistryDiscovery, TheRegisteredRendererStartsWithTheCommandLine)
+{
+	realtime_edition = 0;
+	setInstallDirectory("Velorn Renderer", installation("Velorn"));
+	VelornTest::TempDir out;
+	const std::string record = FileUtils::join(out.path(), "arguments.txt");
+	PlatformUtils::setEnvironmentVariable("VELORN_RECORD_ARGUMENTS", record);
+
+	RendererRequest request;
+	request.low_priority = true;
+	request.scene_file = Filename("C:\\my scenes\\a b.vls");
+	request.output_file = Filename("C:\\out put\\frame.png");
+	ASSERT_TRUE(launchRenderer(false, request));
+	const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+	while(!FileUtils::fileExists(record) && std::chrono::steady_clock::now() < deadline)
+		std::this_thread::sleep_for(std::chrono::milliseconds(20));
+	const std::vector<std::string> recorded = lines(VelornTest::readFile(record));
+	ASSERT_EQ(recorded.size(), 14u) << VelornTest::readFile(record);
+	EXPECT_EQ(recorded[0], "velorn.exe");
+	EXPECT_EQ(recorded[1], "-seed");
+	EXPECT_EQ(recorded[2].find_first_not_of("0123456789"), std::string::npos) << recorded[2];
+	const std::vector<std::string> rest(recorded.begin() + 3, recorded.end());
+	const std::vector<std::string> expected = {"--thread_priority", "belownormal", "-o", "C:\\out put\\frame.png",
+		"-vlio", "C:\\out put\\frame.vli", "-uexro", "C:\\out put\\frame_untonemapped.exr", "-texro",
+		"C:\\out put\\frame_tonemapped.exr", "C:\\my scenes\\a b.vls"};
+	EXPECT_EQ(rest, expected);
+}

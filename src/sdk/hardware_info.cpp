@@ -1,0 +1,25 @@
+#include "sdk/hardware_info.h"
+
+namespace Velorn
+{
+
+namespace
+{
+
+using GPUListFn = void (*)(InterfaceBase*, Reference<InterfaceBase>*);
+
+} // namespace
+
+HardwareInfo::HardwareInfo(const Reference<VelornContext>& context)
+{
+	context->create_instance(String("HardwareInfoDLLAPI"), object);
+}
+
+HardwareInfo::~HardwareInfo() = default;
+
+void HardwareInfo::getGPUInfo(Reference<InterfaceBase>& out)
+{
+	object->entry<GPUListFn>(HardwareInfoTable::GetGPUList)(object.getPointer(), &out);
+}
+
+} // namespace Velorn
