@@ -39,24 +39,7 @@ struct SunScene
 		background->background_material = sunsky;
 		root->addChildNode(background);
 
-		Reference<Mesh> mesh = new Mesh();
-		mesh->addMaterialUsed("floor");
-		mesh->addVertex(Vec3f{-100, -100, 0});
-		mesh->addVertex(Vec3f{100, -100, 0});
-		mesh->addVertex(Vec3f{100, 100, 0});
-		mesh->addVertex(Vec3f{-100, 100, 0});
-		const uint32_t v[4] = {0, 1, 2, 3}, uv[4] = {0, 0, 0, 0};
-		mesh->addQuad(v, uv, 0);
-		mesh->endOfModel();
-		Reference<SceneNodeMesh> mesh_node = new SceneNodeMesh();
-		mesh_node->setMesh(mesh);
-		root->addChildNode(mesh_node);
-		Reference<SceneNodeModel> model = new SceneNodeModel();
-		model->rotation = new MatrixRotation();
-		model->keyframes.push_back(KeyFrame{Vec3d(0, 0, 0), 0, Vec3d(0, 0, 1), 0});
-		model->setGeometry(mesh_node);
-		model->setMaterials({addMaterial(*root, diffuse(1))});
-		root->addChildNode(model);
+		addFloor(*root, 100, addMaterial(*root, diffuse(1)));
 	}
 
 	// Mean radiance per layer of the floor's point under the camera.

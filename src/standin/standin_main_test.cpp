@@ -50,24 +50,7 @@ std::string writeScene(const VelornTest::TempDir& dir, const std::string& name, 
 	Reference<SceneNodeMaterial> grey = addMaterial(*root, floor_material.nonNull() ? floor_material : Reference<Material>(diffuse(0.5)));
 	addSphere(*root, Vec3d(0, 0, 0.5), 0.5, addMaterial(*root, diffuse(0.8)));
 
-	Reference<Mesh> mesh = new Mesh();
-	mesh->addMaterialUsed("floor");
-	mesh->addVertex(Vec3f{-2, -2, 0});
-	mesh->addVertex(Vec3f{2, -2, 0});
-	mesh->addVertex(Vec3f{2, 2, 0});
-	mesh->addVertex(Vec3f{-2, 2, 0});
-	const uint32_t v[4] = {0, 1, 2, 3}, uv[4] = {0, 0, 0, 0};
-	mesh->addQuad(v, uv, 0);
-	mesh->endOfModel();
-	Reference<SceneNodeMesh> mesh_node = new SceneNodeMesh();
-	mesh_node->setMesh(mesh);
-	root->addChildNode(mesh_node);
-	Reference<SceneNodeModel> model = new SceneNodeModel();
-	model->rotation = new MatrixRotation();
-	model->keyframes.push_back(KeyFrame{Vec3d(0, 0, 0), 0, Vec3d(0, 0, 1), 0});
-	model->setGeometry(mesh_node);
-	model->setMaterials({grey});
-	root->addChildNode(model);
+	addFloor(*root, 2, grey);
 
 	const std::string path = dir.file(name);
 	root->writeToFile(String(path), false, nullptr);

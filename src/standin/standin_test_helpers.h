@@ -1,6 +1,7 @@
 #pragma once
 
 // Small scenes built in code for the stand-in renderer's tests.
+#include "mesh/mesh.h"
 #include "scene/channel_params.h"
 #include "scene/materials_basic.h"
 #include "scene/materials_glass.h"
@@ -9,8 +10,11 @@
 #include "scene/scene_node_camera.h"
 #include "scene/scene_node_material.h"
 #include "scene/scene_node_medium.h"
+#include "scene/scene_node_mesh.h"
+#include "scene/scene_node_model.h"
 #include "scene/scene_node_render_settings.h"
 #include "scene/scene_node_root.h"
+#include "scene/rotation.h"
 #include "scene/scene_node_sphere.h"
 #include "scene/wavelength_values.h"
 
@@ -90,6 +94,30 @@ inline void addSphere(SceneNodeRoot& root, const Vec3d& centre, double radius, c
 	sphere->radius = radius;
 	sphere->material = material;
 	root.addChildNode(sphere);
+}
+
+// A square floor in the plane z = 0, of the given half side, with a mesh of
+// its own and the given material.
+inline void addFloor(SceneNodeRoot& root, float half_side, const Reference<SceneNodeMaterial>& material)
+{
+	Reference<Mesh> mesh = new Mesh();
+	mesh->addMaterialUsed("floor");
+	mesh->addVertex(Vec3f{-half_side, -half_side, 0});
+	mesh->addVertex(Vec3f{half_side, -half_side, 0});
+	mesh->addVertex(Vec3f{half_side, half_side, 0});
+	mesh->addVertex(Vec3f{-half_side, half_side, 0});
+	const uint32_t v[4] = {0, 1, 2, 3}, uv[4] = {0, 0, 0, 0};
+	mesh->addQuad(v, uv, 0);
+	mesh->endOfModel();
+	Reference<SceneNodeMesh> mesh_node = new SceneNodeMesh();
+	mesh_node->setMesh(mesh);
+	root.addChildNode(mesh_node);
+	Reference<SceneNodeModel> model = new SceneNodeModel();
+	model->rotation = new MatrixRotation();
+	model->keyframes.push_back(KeyFrame{Vec3d(0, 0, 0), 0, Vec3d(0, 0, 1), 0});
+	model->setGeometry(mesh_node);
+	model->setMaterials({material});
+	root.addChildNode(model);
 }
 
 // A uniform background of the given radiance in a layer.

@@ -19,7 +19,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <intrin.h>
 #include <process.h>
 
 // Every path and text that reaches Windows goes through the wide-character
@@ -397,50 +396,6 @@ namespace PlatformUtils
 
 using Platform::Win32::narrow;
 using Platform::Win32::widen;
-
-namespace
-{
-
-void cpuid(uint32_t leaf, uint32_t regs[4])
-{
-	int values[4];
-	__cpuid(values, (int)leaf);
-	std::memcpy(regs, values, sizeof(values));
-}
-
-} // namespace
-
-void getCPUInfo(CPUInfo& out)
-{
-	uint32_t regs[4]; // EAX, EBX, ECX, EDX
-	cpuid(0, regs);
-	if(regs[0] < 1)
-		throw PlatformUtilsExcep("CPUID highest_param error.");
-	std::memcpy(out.vendor, &regs[1], 4);
-	std::memcpy(out.vendor + 4, &regs[3], 4);
-	std::memcpy(out.vendor + 8, &regs[2], 4);
-
-	cpuid(1, regs);
-	out.htt = false;
-	out.mmx = (regs[3] >> 23) & 1;
-	out.sse1 = (regs[3] >> 25) & 1;
-	out.sse2 = (regs[3] >> 26) & 1;
-	out.sse3 = regs[2] & 1;
-	out.sse4_1 = (regs[2] >> 19) & 1;
-	out.sse4_2 = (regs[2] >> 20) & 1;
-	out.stepping = regs[0] & 0xF;
-	out.model = (regs[0] >> 4) & 0xF;
-	out.family = (regs[0] >> 8) & 0xF;
-
-	cpuid(0x80000000u, regs);
-	if(regs[0] < 0x80000004u)
-		throw PlatformUtilsExcep("CPUID highest_extended_param error.");
-	for(uint32_t i = 0; i < 3; ++i)
-	{
-		cpuid(0x80000002u + i, regs);
-		std::memcpy(out.proc_brand + 16 * i, regs, 16);
-	}
-}
 
 std::string getAPPDataDirPath()
 {
