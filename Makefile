@@ -4,7 +4,7 @@ PRESET ?= default
 BUILD_DIR = build/$(PRESET)
 OUT ?= out
 
-.PHONY: deps build run test asan tsan bench clean windows windows-test
+.PHONY: deps build run test asan tsan bench clean windows windows-test windows-compare
 
 deps:
 	scripts/install-deps
@@ -23,8 +23,9 @@ test: build
 asan:
 	$(MAKE) test PRESET=asan
 
-# The support layer's tests (threads, tasks, the parallel image code) under
-# ThreadSanitizer.
+# Under ThreadSanitizer: the support layer's tests (threads, tasks, the
+# parallel image code) and the render layer's (the in-host render, the tone
+# mapping dialog against a running render, the realtime preview).
 tsan:
 	$(MAKE) test PRESET=tsan
 
@@ -38,6 +39,7 @@ WINE = env WINEPREFIX=$(CURDIR)/build/windows/wine-prefix WINEDEBUG=-all wine
 windows:
 	scripts/install-deps-windows
 	$(MAKE) windows-test
+	$(MAKE) windows-compare
 
 # Each test program runs once, as a whole: Wine takes a while to start, which
 # ctest would pay once per test.
@@ -47,6 +49,15 @@ windows-test:
 	cd build/windows/bin && status=0; for t in *_tests.exe; do \
 	  echo "== $$t"; $(WINE) ./$$t --gtest_brief=1 || status=1; \
 	done; exit $$status
+
+# The bundled example exported by the Linux and by the Windows build of the
+# command: the scenes may differ only in their date and the paths of the
+# written files, the mesh files not at all.
+windows-compare:
+	cmake --preset $(PRESET)
+	cmake --build --preset $(PRESET) --target velorn
+	WINE="$(WINE)" scripts/compare-windows-export $(BUILD_DIR)/src/cli/velorn build/windows/bin/velorn.exe \
+	  examples/studio.json build/windows/compare
 
 bench: build
 	$(BUILD_DIR)/bench/mesh_bench

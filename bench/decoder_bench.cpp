@@ -11,6 +11,7 @@
 #include <benchmark/benchmark.h>
 #include <tiny_obj_loader.h>
 
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -194,26 +195,47 @@ void BM_PlyPlainRead(benchmark::State& state) { plainRead(state, PLY_PATH, plyFi
 
 void BM_PlyDecode(benchmark::State& state) { decode(state, FormatDecoderPLY(), PLY_PATH, plyFileSize()); }
 
-// The same mesh built straight from memory through addVertex and
-// addTriangle, with the vectors reserved: what the mesh itself costs.
-void BM_PlyMeshOnly(benchmark::State& state)
+// The vertices and triangles of the PLY grid, as arrays in memory.
+struct PlyGrid
 {
-	const int columns = PLY_COLUMNS + 1, rows = PLY_ROWS + 1;
-	for(auto _ : state)
-	{
-		Mesh mesh;
-		mesh.verts.reserve((size_t)columns * rows);
-		mesh.triangles.reserve((size_t)2 * PLY_COLUMNS * PLY_ROWS);
+	std::vector<Vec3f> vertices;
+	std::vector<std::array<uint32_t, 3>> triangles;
+};
+
+const PlyGrid& plyGrid()
+{
+	static const PlyGrid grid = [] {
+		PlyGrid g;
+		const int columns = PLY_COLUMNS + 1, rows = PLY_ROWS + 1;
 		for(int j = 0; j < rows; ++j)
 			for(int i = 0; i < columns; ++i)
-				mesh.addVertex(Vec3f{i * 0.01f, j * 0.01f, 0.001f * ((i * 7 + j * 3) % 100)});
+				g.vertices.push_back(Vec3f{i * 0.01f, j * 0.01f, 0.001f * ((i * 7 + j * 3) % 100)});
 		for(uint32_t j = 0; j < (uint32_t)PLY_ROWS; ++j)
 			for(uint32_t i = 0; i < (uint32_t)PLY_COLUMNS; ++i)
 			{
 				const uint32_t a = j * columns + i, b = a + 1, c = a + columns + 1, d = a + columns;
-				mesh.addTriangle({a, b, c}, {0, 0, 0}, 0);
-				mesh.addTriangle({a, c, d}, {0, 0, 0}, 0);
+				g.triangles.push_back({a, b, c});
+				g.triangles.push_back({a, c, d});
 			}
+		return g;
+	}();
+	return grid;
+}
+
+// The same mesh built from those arrays through addVertex and addTriangle,
+// with the vectors reserved: what the mesh itself costs.
+void BM_PlyMeshOnly(benchmark::State& state)
+{
+	const PlyGrid& grid = plyGrid();
+	for(auto _ : state)
+	{
+		Mesh mesh;
+		mesh.verts.reserve(grid.vertices.size());
+		mesh.triangles.reserve(grid.triangles.size());
+		for(const Vec3f& v : grid.vertices)
+			mesh.addVertex(v);
+		for(const std::array<uint32_t, 3>& t : grid.triangles)
+			mesh.addTriangle({t[0], t[1], t[2]}, {0, 0, 0}, 0);
 		mesh.endOfModel();
 		benchmark::DoNotOptimize(mesh.verts.data());
 	}

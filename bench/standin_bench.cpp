@@ -129,8 +129,10 @@ Scene& sceneFor(int which)
 		for(uint32_t x = 0; x < w; ++x)
 		{
 			Rng rng((uint64_t)y << 32 | x, 0);
+			const float film_x = x + rng.uniform() - margin / 2, film_y = y + rng.uniform() - margin / 2;
+			const float u1 = rng.uniform(), u2 = rng.uniform();
 			const Ray ray = s.scene->getCamera().generateRay(
-				x + rng.uniform() - margin / 2, y + rng.uniform() - margin / 2, rng.uniform(), rng.uniform());
+				film_x, film_y, u1, u2, s.scene->hasMotion() ? rng.uniform() : 0.0f);
 			std::fill(layers.begin(), layers.end(), V3(0));
 			bool hit = false;
 			s.scene->radiance(ray, rng, layers, hit, nullptr, &s.rays);
@@ -200,11 +202,11 @@ void BM_BareEmbreeCast(benchmark::State& state)
 				{
 					const CastRay& r = s.rays[i];
 					if(r.shadow)
-						found += s.scene->occluded(r.origin, r.dir, r.t_near, r.t_far);
+						found += s.scene->occluded(r.origin, r.dir, r.t_near, r.t_far, r.time);
 					else
 					{
 						RTCRayHit hit;
-						found += s.scene->intersect(r.origin, r.dir, r.t_near, r.t_far, hit);
+						found += s.scene->intersect(r.origin, r.dir, r.t_near, r.t_far, r.time, hit);
 					}
 				}
 				hits[t * 8] = found;

@@ -243,8 +243,8 @@ TEST(GoldenGeometry, MeshElementPointsAtTheFileItWrites)
 	node->writeXML(stream, 0, context);
 
 	std::string text = stream.str();
-	replaceAll(text, dir.path(), "SCENE_DIR");
-	replaceAll(text, "/mesh_" + std::to_string(VelornTest::sampleMeshCRC()) + "_", "/mesh_CRC_");
+	replaceAll(text, dir.file("geometry_meshes/mesh_" + std::to_string(VelornTest::sampleMeshCRC()) + "_"),
+		"SCENE_DIR/geometry_meshes/mesh_CRC_");
 	VelornTest::expectMatchesGolden(text, "mesh.xml");
 	EXPECT_EQ(VelornTest::readFile(dir.file("geometry_meshes/" + VelornTest::sampleMeshFileName())),
 		VelornTest::sampleMeshFileBytes());

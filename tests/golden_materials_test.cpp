@@ -1,6 +1,7 @@
 // The scene text of material and medium nodes, compared byte for byte with
 // hand-written files.
 
+#include "scene/geometry_test_helpers.h"
 #include "scene/material_test_helpers.h"
 #include "scene/materials_basic.h"
 #include "scene/materials_composite.h"
@@ -16,6 +17,7 @@
 using namespace Velorn;
 using VelornTest::materialNode;
 using VelornTest::mediumNode;
+using VelornTest::plainNode;
 
 namespace
 {
@@ -40,8 +42,6 @@ Reference<WavelengthDependentParam> uniform(double value)
 }
 
 Reference<WavelengthIndependentParam> constant(double value) { return new ConstantWavelengthIndependentParam(value); }
-
-Reference<SceneNodeMaterial> plainNode(const char* name, uint32_t uid) { return materialNode(new DiffuseMaterial(), name, uid); }
 
 Reference<SceneNode> diffuseFull()
 {

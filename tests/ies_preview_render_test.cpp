@@ -12,9 +12,8 @@
 #include "host/light_tag.h"
 #include "host/plugin_ids.h"
 #include "host/settings.h"
-#include "support/exceptions.h"
 #include "support/file_utils.h"
-#include "support/platform_utils.h"
+#include "support/user_data_dir.h"
 
 #include <cmath>
 #include <vector>
@@ -98,14 +97,6 @@ protected:
 	void SetUp() override
 	{
 		registerPlugins({RegisterLightTag});
-		try
-		{
-			saved_home = PlatformUtils::getEnvironmentVariable("XDG_CONFIG_HOME");
-		}
-		catch(const PlatformUtilsExcep&)
-		{
-		}
-		PlatformUtils::setEnvironmentVariable("XDG_CONFIG_HOME", home.path());
 		// The module's resources are the source tree's.
 		saved_plugin_path = plugin_path;
 		plugin_path = new Filename(::String(VelornTest::testDataPath("../src/host")));
@@ -116,7 +107,6 @@ protected:
 	{
 		delete plugin_path;
 		plugin_path = saved_plugin_path;
-		PlatformUtils::setEnvironmentVariable("XDG_CONFIG_HOME", saved_home);
 		HostPluginTest::TearDown();
 	}
 
@@ -155,7 +145,7 @@ protected:
 	}
 
 	VelornTest::TempDir home;
-	std::string saved_home;
+	const VelornTest::UserDataDirectory data_dir{home.path()};
 	Filename* saved_plugin_path = nullptr;
 };
 

@@ -167,7 +167,7 @@ TEST_F(MaterialExport, DocumentsExportTheirMaterials)
 		read->writeToFile(again, false, nullptr);
 		// The reader joins texture paths to the scene's directory.
 		std::string read_back = VelornTest::readFile(again);
-		const std::string joined = "<path>" + dir.path() + "/";
+		const std::string joined = "<path>" + dir.file("");
 		for(size_t at = read_back.find(joined); at != std::string::npos; at = read_back.find(joined, at))
 			read_back.replace(at, joined.size(), "<path>");
 		EXPECT_EQ(materialElements(read_back), materialElements(scene));
@@ -269,20 +269,22 @@ BaseMaterial* findMaterial(BaseDocument& document, const char* name)
 // gives none.
 TEST_F(MaterialExport, MaterialIESProfileOnTheModel)
 {
-	const std::string scene_dir = dir.path();
-	const std::string parent = Velorn::FileUtils::getDirectory(scene_dir);
+	// Paths with the system's separator, as the host's file names have them.
+	using Velorn::FileUtils::join;
+	const std::string below = dir.file("ies/lamp.ies");
+	const std::string beside = join(Velorn::FileUtils::getDirectory(dir.path()), "lamp.ies");
 	const struct
 	{
 		const char* what;
 		int32_t on;
 		std::string file;
-		const char* expected; // null: no profile
+		std::string expected; // empty: no profile
 	} cases[] = {
-		{"a profile below the scene", 1, scene_dir + "/ies/lamp.ies", "ies/lamp.ies"},
-		{"a profile beside the scene's directory", 1, parent + "/lamp.ies", "../lamp.ies"},
-		{"the switch off", 0, scene_dir + "/ies/lamp.ies", nullptr},
-		{"a switch value other than 1", 2, scene_dir + "/ies/lamp.ies", nullptr},
-		{"no file", 1, "", nullptr},
+		{"a profile below the scene", 1, below, join("ies", "lamp.ies")},
+		{"a profile beside the scene's directory", 1, beside, join("..", "lamp.ies")},
+		{"the switch off", 0, below, ""},
+		{"a switch value other than 1", 2, below, ""},
+		{"no file", 1, "", ""},
 	};
 	for(const auto& c : cases)
 	{
@@ -298,7 +300,7 @@ TEST_F(MaterialExport, MaterialIESProfileOnTheModel)
 		ASSERT_NE(box, nullptr);
 		// The emission scale stays as without a profile.
 		EXPECT_EQ(box->emission_scales.size(), 1u);
-		if(!c.expected)
+		if(c.expected.empty())
 		{
 			EXPECT_TRUE(box->ies_profiles.empty());
 			continue;

@@ -107,9 +107,12 @@ TEST_F(InstalledPlugin, StartsWithItsLinesRegistrationsAndPreviewScenes)
 	// The plug-ins that exist, in the order of the registration table.
 	EXPECT_EQ(PluginRegistry::get().ids(),
 		(std::vector<int32_t>{1020892, 1021223, 1022083, 1022667, 1029978, 1024339, 1024338, 1020894, 1021852,
-			1022469, 1023920, 1023984, 1024454, 1023696, 1023695, 1027825, 1022273, 1028908, 1020896, 1022283,
-			1023863, 1024337, 1024768, 1024769, 1024770, 1029836, 1027562}));
+			1022469, 1023920, 1023984, 1024454, 1023696, 1023695, 1027825, 1023599, 1022273, 1028908, 1020896,
+			1022283, 1023863, 1024337, 1024768, 1024769, 1024770, 1029836, 1027562}));
 	EXPECT_EQ(PluginRegistry::get().find(1023984)->help, String("Creates Instances"));
+	EXPECT_EQ(PluginRegistry::get().find(1023599)->name, String("Velorn Interactive Tonemapping Dialog"));
+	EXPECT_EQ(PluginRegistry::get().find(1023599)->help, String("Velorn Tonemapping"));
+	EXPECT_EQ(PluginRegistry::get().find(1023599)->info, 0x20000000);
 	EXPECT_EQ(PluginRegistry::get().find(1022273)->info, 0x20000004);
 	EXPECT_EQ(PluginRegistry::get().find(1028908)->description, String("Ovelornsectionplane"));
 	EXPECT_EQ(PluginRegistry::get().find(1023863)->name, String("Velorn VSL Shader"));
@@ -172,8 +175,8 @@ TEST_F(InstalledPlugin, MissingNameSkipsItsPluginAndBadPreviewSceneIsReported)
 
 	EXPECT_EQ(PluginRegistry::get().ids(),
 		(std::vector<int32_t>{1020892, 1021223, 1022667, 1029978, 1024339, 1024338, 1020894, 1021852, 1022469,
-			1023920, 1023984, 1024454, 1023696, 1023695, 1027825, 1022273, 1028908, 1020896, 1022283, 1023863,
-			1024337, 1024768, 1024769, 1024770, 1029836, 1027562}));
+			1023920, 1023984, 1024454, 1023696, 1023695, 1027825, 1023599, 1022273, 1028908, 1020896, 1022283,
+			1023863, 1024337, 1024768, 1024769, 1024770, 1029836, 1027562}));
 	const Lines lines = printed();
 	ASSERT_GE(lines.size(), 4u);
 	EXPECT_EQ(lines[3], "Failed loading preview scene: broken.json");

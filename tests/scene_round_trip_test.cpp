@@ -233,7 +233,8 @@ TEST(SceneRoundTrip, WholeSceneComesBackByteForByte)
 	EXPECT_EQ(VelornTest::readFile(path), written);
 
 	root->writeToFile(dir.file("copy.vls"), false, nullptr);
-	EXPECT_EQ(VelornTest::readFile(dir.file("copy.vls")), replacedAll(written, "/scene_meshes/", "/copy_meshes/"));
+	EXPECT_EQ(VelornTest::readFile(dir.file("copy.vls")),
+		replacedAll(written, dir.file("scene_meshes/"), dir.file("copy_meshes/")));
 }
 
 // A file keeps a white point in six digits, so it reads back rounded; a

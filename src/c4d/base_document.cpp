@@ -160,6 +160,16 @@ BaseTag* BaseDocument::GetActiveTag() const
 	return static_cast<BaseTag*>(single(selection));
 }
 
+BaseObject* BaseDocument::SearchObject(const String& name) const
+{
+	BaseObject* found = nullptr;
+	walkObjects(GetFirstObject(), [&](BaseObject* op) {
+		if(!found && op->GetName() == name)
+			found = op;
+	});
+	return found;
+}
+
 void BaseDocument::SetActiveMaterial(BaseMaterial* mat, int32_t mode)
 {
 	if(mode == SELECTION_NEW)

@@ -101,6 +101,8 @@ public:
 	void GetActiveTags(AtomArray& selection) const;
 	// The one selected tag; null when none or several are.
 	BaseTag* GetActiveTag() const;
+	// The first object of the tree named name, depth first; null for none.
+	BaseObject* SearchObject(const String& name) const;
 
 	// Undo: entries are added between StartUndo and EndUndo, which make
 	// one group; groups nest, and the outermost pair closes the group. The

@@ -1,5 +1,7 @@
 #include "c4d/c4d_string.h"
 
+#include "support/decimal_comma_locale.h"
+
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -74,10 +76,7 @@ TEST(String, NumbersIgnoreTheLocale)
 {
 	// A locale with a decimal comma must change nothing.
 	const std::string saved = std::setlocale(LC_ALL, nullptr);
-	bool switched = false;
-	for(const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "fr_FR.utf8"})
-		switched = switched || std::setlocale(LC_ALL, name) != nullptr;
-	if(!switched)
+	if(!VelornTest::useDecimalCommaLocale())
 		GTEST_SKIP() << "no locale with a decimal comma is installed";
 	const double real = String("1.5").ToReal();
 	const String text = String::FloatToString(1.5);

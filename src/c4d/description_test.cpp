@@ -256,7 +256,7 @@ TEST_F(DescriptionTest, TypesWithoutADescriptionAndFilesThatFail)
 		EXPECT_FALSE(d.LoadDescription(TYPE + 2));
 		EXPECT_FALSE(d.LoadDescription(TYPE));
 	}
-	const std::string dir = module.path() + "/res/description/";
+	const std::string dir = module.file("res/description/");
 	EXPECT_EQ(consoleLines(), (std::vector<String>{
 		"Cannot load the description 'Mmissing': could not open '" + dir + "Mmissing.json' for reading.",
 		"Cannot load the description 'Mbroken': " + dir + "Mbroken.json: entries[0].id: the id 0 is not positive"}));

@@ -69,6 +69,29 @@ private:
 	};
 	using Names = std::map<std::string, BaseList2D*>;
 
+	// Objects (children and caches), shaders and containers nest at most
+	// this deep in all: each level is a call of the reader, and a file nested
+	// some thousands deep would run the stack out.
+	static constexpr int maxNesting = 256;
+
+	// One level deeper while it lives; a level past maxNesting fails.
+	class Nesting
+	{
+	public:
+		Nesting(const Reader& r, const std::string& place) : reader(r)
+		{
+			if(reader.depth == maxNesting)
+				reader.fail(place, "nested deeper than " + std::to_string(maxNesting) + " levels");
+			++reader.depth;
+		}
+		~Nesting() { --reader.depth; }
+		Nesting(const Nesting&) = delete;
+		Nesting& operator=(const Nesting&) = delete;
+
+	private:
+		const Reader& reader;
+	};
+
 	void readVersion(const Json& root) const
 	{
 		const int32_t version = integer(required(root, "", "version"), "version");
@@ -160,6 +183,7 @@ private:
 			const Json& j = list[i];
 			const std::string at = element(place, i);
 			checkKeys(j, at, {"type", "name", "params", "children"});
+			const Nesting level(*this, at);
 			BaseShader* sh = allocate<BaseShader>(j, at, "shader");
 			owner.InsertShader(sh, pred);
 			begin(*sh, j, at, &shaderNames, &own);
@@ -198,6 +222,7 @@ private:
 
 	void readObject(BaseDocument& doc, BaseObject& op, const Json& j, const std::string& place, Names* names)
 	{
+		const Nesting level(*this, place);
 		begin(op, j, place, names);
 		if(const Json* matrix = find(j, "matrix"))
 			op.SetMl(readMatrix(*matrix, member(place, "matrix")));
@@ -579,6 +604,7 @@ private:
 	BaseContainer container(const Json& j, const std::string& place) const
 	{
 		checkKeys(j, place, {"id", "params"});
+		const Nesting level(*this, place);
 		BaseContainer bc(integer(required(j, place, "id"), member(place, "id")));
 		readParams(bc, required(j, place, "params"), member(place, "params"));
 		return bc;
@@ -589,6 +615,8 @@ private:
 	std::map<const BaseMaterial*, Names> materialShaders;
 	// The scope of the node whose parameters are being read.
 	const Names* scope = nullptr;
+	// The levels of Nesting being read.
+	mutable int depth = 0;
 };
 
 } // namespace

@@ -6,12 +6,19 @@ namespace
 {
 
 std::atomic<int32_t> events{0};
+std::atomic<bool> changePending{false};
 
 } // namespace
 
 void EventAdd(int32_t)
 {
 	++events;
+	changePending = true;
+}
+
+bool TakeChangeEvent()
+{
+	return changePending.exchange(false);
 }
 
 int32_t EventCount()

@@ -1,5 +1,7 @@
 #include "c4d/filename.h"
 
+#include "support/platform.h"
+
 #include <gtest/gtest.h>
 
 TEST(Filename, Parts)
@@ -53,8 +55,10 @@ TEST(Filename, SetSuffix)
 
 TEST(Filename, AppendsParts)
 {
+	// Parts are joined with the system's separator, as the library joins paths.
+	const std::string separator(1, Velorn::Platform::preferredSeparator());
 	EXPECT_EQ((Filename("/scenes") + Filename("box_meshes") + Filename("m1.vlmesh")).GetString(),
-		String("/scenes/box_meshes/m1.vlmesh"));
+		String("/scenes" + separator + "box_meshes" + separator + "m1.vlmesh"));
 	EXPECT_EQ((Filename("/scenes/") + Filename("box.vls")).GetString(), String("/scenes/box.vls"));
 	EXPECT_EQ((Filename() + Filename("box.vls")).GetString(), String("box.vls"));
 	EXPECT_EQ((Filename("/scenes") + Filename("/tmp/box.vls")).GetString(), String("/tmp/box.vls"));

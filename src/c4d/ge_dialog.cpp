@@ -1,5 +1,8 @@
 #include "c4d/ge_dialog.h"
 
+#include "c4d/events.h"
+#include "c4d/ge_user_area.h"
+
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -49,13 +52,12 @@ bool fireDueTimers(const std::vector<GeDialog*>& dialogs)
 	bool fired = false;
 	const Clock::time_point now = Clock::now();
 	for(GeDialog* dlg : dialogs)
-		if(isOpen(dlg) && dlg->timerDue(now))
-		{
-			dlg->fireTimer();
+		if(isOpen(dlg) && dlg->fireDueTimers(now))
 			fired = true;
-		}
 	return fired;
 }
+
+
 
 void record(GeDialog* dlg, const DialogAction& action, const String& note)
 {
@@ -78,6 +80,11 @@ void runLoop(GeDialog* modal, double maxMs)
 		const std::vector<GeDialog*> dialogs = served(modal);
 		if(dialogs.empty() || (end && Clock::now() >= *end))
 			return;
+		if(TakeChangeEvent())
+		{
+			SendCoreMessage(EVMSG_CHANGE);
+			continue;
+		}
 		if(fireDueTimers(dialogs))
 			continue;
 
@@ -98,8 +105,11 @@ void runLoop(GeDialog* modal, double maxMs)
 
 		std::optional<Clock::time_point> next;
 		for(GeDialog* dlg : dialogs)
-			if(dlg->GetTimerInterval() > 0 && (!next || dlg->nextTimer() < *next))
-				next = dlg->nextTimer();
+		{
+			Clock::time_point tick;
+			if(dlg->nextTimer(tick) && (!next || tick < *next))
+				next = tick;
+		}
 		if(now < waitUntil && (!next || waitUntil < *next))
 			next = waitUntil;
 		if(!next)
@@ -108,7 +118,8 @@ void runLoop(GeDialog* modal, double maxMs)
 				return;
 			const bool kept = modal->AskClose();
 			// A dialog that stays open with no timer would wait forever.
-			if(!kept || modal->GetTimerInterval() == 0)
+			Clock::time_point tick;
+			if(!kept || !modal->nextTimer(tick))
 				modal->Close();
 			record(modal, DialogAction::close(),
 				String(modal->IsOpen() ? "the script held no more actions; kept open by the dialog" :
@@ -135,9 +146,26 @@ bool parseSwitch(const String& text, bool& value)
 
 } // namespace
 
+void HostTimer::set(int32_t ms)
+{
+	intervalMs = std::max(ms, 0);
+	restart();
+}
+
+void HostTimer::restart()
+{
+	nextTick = Clock::now() + std::chrono::milliseconds(intervalMs);
+}
+
+bool DialogItem::hasChild(int32_t childId) const
+{
+	return std::any_of(children.begin(), children.end(), [&](const auto& c) { return c.first == childId; });
+}
+
 GeDialog::~GeDialog()
 {
 	forget(this);
+	detachUserAreas();
 }
 
 bool GeDialog::CreateLayout()
@@ -164,9 +192,14 @@ bool GeDialog::AskClose()
 	return false;
 }
 
-int32_t GeDialog::Message(const BaseContainer&, BaseContainer&)
+int32_t GeDialog::Message(const BaseContainer& msg, BaseContainer&)
 {
-	return 0;
+	return HostMessages::dispatch(*this, msg);
+}
+
+bool GeDialog::CoreMessage(int32_t, const BaseContainer&)
+{
+	return true;
 }
 
 bool GeDialog::Open(DLG_TYPE type, int32_t, int32_t, int32_t, int32_t defaultw, int32_t defaulth)
@@ -181,6 +214,8 @@ bool GeDialog::Open(DLG_TYPE type, int32_t, int32_t, int32_t, int32_t defaultw, 
 	}
 	items.clear();
 	groupStack.clear();
+	detachUserAreas();
+	layoutChanges = 0;
 	if(!CreateLayout())
 		return false;
 	open = true;
@@ -194,32 +229,87 @@ bool GeDialog::Open(DLG_TYPE type, int32_t, int32_t, int32_t, int32_t defaultw, 
 	return true;
 }
 
+bool GeDialog::RestoreLayout(int32_t pluginid, void*)
+{
+	return Open(DLG_TYPE_ASYNC, pluginid);
+}
+
 bool GeDialog::Close()
 {
+	const bool was_open = open;
 	open = false;
-	timerInterval = 0;
+	timer.set(0);
 	forget(this);
+	const std::vector<GeUserArea*> areas = userAreas;
+	for(GeUserArea* ua : areas)
+	{
+		ua->SetTimer(0);
+		if(was_open)
+		{
+			BaseContainer msg(BFM_DESTROY), result;
+			ua->Message(msg, result);
+		}
+	}
 	return true;
 }
 
 void GeDialog::SetTimer(int32_t ms)
 {
-	timerInterval = std::max(ms, 0);
-	timerNext = Clock::now() + std::chrono::milliseconds(timerInterval);
+	timer.set(ms);
 }
 
-bool GeDialog::timerDue(Clock::time_point now) const
+bool GeDialog::fireDueTimers(Clock::time_point now)
 {
-	return open && timerInterval > 0 && now >= timerNext;
+	if(!open)
+		return false;
+	bool fired = HostMessages::fireWhenDue(*this, timer, now);
+	// An area's Message may close the dialog or attach other areas.
+	const std::vector<GeUserArea*> areas = userAreas;
+	for(GeUserArea* ua : areas)
+		if(open && std::find(userAreas.begin(), userAreas.end(), ua) != userAreas.end())
+			fired = HostMessages::fireWhenDue(*ua, ua->hostTimer(), now) || fired;
+	return fired;
 }
 
-void GeDialog::fireTimer()
+bool GeDialog::nextTimer(Clock::time_point& next) const
 {
-	// The next tick counts from now: a slow Timer makes the ticks fewer,
-	// never a burst of late ones.
-	timerNext = Clock::now() + std::chrono::milliseconds(timerInterval);
-	BaseContainer msg(BFM_TIMER_MESSAGE);
-	Timer(msg);
+	bool any = false;
+	if(open && timer.interval() > 0)
+	{
+		next = timer.next();
+		any = true;
+	}
+	for(GeUserArea* ua : userAreas)
+		if(open && ua->GetTimerInterval() > 0 && (!any || ua->hostTimer().next() < next))
+		{
+			next = ua->hostTimer().next();
+			any = true;
+		}
+	return any;
+}
+
+void GeDialog::sendCoreMessage(int32_t id)
+{
+	BaseContainer msg(BFM_CORE_MESSAGE);
+	msg.SetInt32(BFM_CORE_ID, id);
+	BaseContainer result;
+	Message(msg, result);
+	const std::vector<GeUserArea*> areas = userAreas;
+	for(GeUserArea* ua : areas)
+		if(std::find(userAreas.begin(), userAreas.end(), ua) != userAreas.end())
+			ua->Message(msg, result);
+}
+
+void GeDialog::detachUserArea(GeUserArea* ua)
+{
+	userAreas.erase(std::remove(userAreas.begin(), userAreas.end(), ua), userAreas.end());
+}
+
+void GeDialog::detachUserAreas()
+{
+	for(GeUserArea* ua : userAreas)
+		ua->detach();
+	userAreas.clear();
 }
 
 bool GeDialog::addItem(DialogItem item)
@@ -309,6 +399,112 @@ bool GeDialog::AddButton(int32_t id, int32_t flags, int32_t w, int32_t h, const 
 	return addItem(makeItem(DialogItem::Kind::Button, id, flags, w, h, name));
 }
 
+bool GeDialog::AddEditSlider(int32_t id, int32_t flags, int32_t w, int32_t h)
+{
+	return AddEditNumberArrows(id, flags, w, h);
+}
+
+bool GeDialog::AddRadioGroup(int32_t id, int32_t flags, int32_t columns, int32_t rows)
+{
+	DialogItem item = makeItem(DialogItem::Kind::RadioGroup, id, flags, 0, 0, String());
+	item.columns = columns;
+	item.rows = rows;
+	item.value = GeData((int32_t)0);
+	return addItem(std::move(item));
+}
+
+bool GeDialog::AddComboBox(int32_t id, int32_t flags, int32_t w, int32_t h)
+{
+	DialogItem item = makeItem(DialogItem::Kind::ComboBox, id, flags, w, h, String());
+	item.value = GeData((int32_t)0);
+	return addItem(std::move(item));
+}
+
+DialogItem* GeDialog::findChoice(int32_t id)
+{
+	DialogItem* item = findItem(id);
+	return item && (item->kind == DialogItem::Kind::RadioGroup || item->kind == DialogItem::Kind::ComboBox) ? item :
+																											  nullptr;
+}
+
+bool GeDialog::AddChild(int32_t id, int32_t subid, const String& child)
+{
+	DialogItem* item = findChoice(id);
+	if(!item || item->hasChild(subid))
+		return false;
+	item->children.emplace_back(subid, child);
+	return true;
+}
+
+bool GeDialog::FreeChildren(int32_t id)
+{
+	DialogItem* item = findChoice(id);
+	if(!item)
+		return false;
+	item->children.clear();
+	return true;
+}
+
+bool GeDialog::AddColorField(int32_t id, int32_t flags, int32_t w, int32_t h)
+{
+	DialogItem item = makeItem(DialogItem::Kind::ColorField, id, flags, w, h, String());
+	item.value = GeData(Vector());
+	return addItem(std::move(item));
+}
+
+bool GeDialog::AddUserArea(int32_t id, int32_t flags, int32_t w, int32_t h)
+{
+	return addItem(makeItem(DialogItem::Kind::UserArea, id, flags, w, h, String()));
+}
+
+bool GeDialog::AttachUserArea(GeUserArea& ua, int32_t id, int32_t)
+{
+	const DialogItem* item = findItem(id);
+	if(!item || item->kind != DialogItem::Kind::UserArea)
+		return false;
+	if(GeDialog* former = ua.GetDialog())
+		former->detachUserArea(&ua);
+	userAreas.push_back(&ua);
+	int32_t w = item->width, h = item->height;
+	int32_t minW = 0, minH = 0;
+	if(ua.GetMinSize(minW, minH))
+	{
+		w = std::max(w, minW);
+		h = std::max(h, minH);
+	}
+	ua.attach(this, w, h);
+	return true;
+}
+
+bool GeDialog::LayoutFlushGroup(int32_t id)
+{
+	const DialogItem* group = findItem(id);
+	if(!group || group->kind != DialogItem::Kind::Group)
+		return false;
+	// The group's items, and the items of the groups inside it.
+	std::vector<int32_t> flushed{id};
+	for(size_t i = 0; i < flushed.size(); ++i)
+		for(const DialogItem& item : items)
+			if(item.parent == flushed[i] && item.kind == DialogItem::Kind::Group && item.id != 0)
+				flushed.push_back(item.id);
+	items.erase(std::remove_if(items.begin(), items.end(),
+					[&](const DialogItem& item) {
+						return std::find(flushed.begin(), flushed.end(), item.parent) != flushed.end();
+					}),
+		items.end());
+	groupStack.assign(1, id);
+	return true;
+}
+
+bool GeDialog::LayoutChanged(int32_t id)
+{
+	if(!findItem(id))
+		return false;
+	groupStack.clear();
+	++layoutChanges;
+	return true;
+}
+
 DialogItem* GeDialog::findItem(int32_t id)
 {
 	for(DialogItem& item : items)
@@ -386,9 +582,16 @@ bool GeDialog::GetInt32(int32_t id, int32_t& value) const
 	return true;
 }
 
-bool GeDialog::SetFloat(int32_t id, double value, double min, double max)
+bool GeDialog::SetFloat(int32_t id, double value, double min, double max, double step, double min2, double max2)
 {
-	return setNumber(findItem(id), value, min, max);
+	DialogItem* item = findItem(id);
+	const bool typedRange = min2 != 0 || max2 != 0;
+	if(!setNumber(item, value, typedRange ? min2 : min, typedRange ? max2 : max))
+		return false;
+	item->sliderMin = min;
+	item->sliderMax = max;
+	item->step = step;
+	return true;
 }
 
 bool GeDialog::GetFloat(int32_t id, double& value) const
@@ -441,6 +644,58 @@ bool GeDialog::GetFilename(int32_t id, Filename& value) const
 	return true;
 }
 
+bool GeDialog::SetColorField(int32_t id, const Vector& color, double brightness, double maxbrightness, int32_t)
+{
+	DialogItem* item = findItem(id);
+	if(!item || item->kind != DialogItem::Kind::ColorField)
+		return false;
+	item->value = GeData(color);
+	item->maxBrightness = maxbrightness;
+	item->brightness = std::clamp(brightness, 0.0, std::max(maxbrightness, 0.0));
+	return true;
+}
+
+bool GeDialog::GetColorField(int32_t id, Vector& color, double& brightness) const
+{
+	const DialogItem* item = FindItem(id);
+	if(!item || item->kind != DialogItem::Kind::ColorField)
+		return false;
+	color = item->value.GetVector();
+	brightness = item->brightness;
+	return true;
+}
+
+namespace
+{
+
+// "r,g,b" or "r,g,b,brightness": the colour's components and its
+// brightness, which stays as it was when the text gives none.
+String colourFromText(DialogItem& item, const String& text)
+{
+	std::vector<double> parts;
+	std::string rest = text.GetStdString();
+	for(;;)
+	{
+		const size_t comma = rest.find(',');
+		bool error = false;
+		const double v = String(rest.substr(0, comma)).ToReal(&error);
+		if(error)
+			return String("\"") + text + String("\" is not r,g,b or r,g,b,brightness");
+		parts.push_back(v);
+		if(comma == std::string::npos)
+			break;
+		rest = rest.substr(comma + 1);
+	}
+	if(parts.size() != 3 && parts.size() != 4)
+		return String("\"") + text + String("\" is not r,g,b or r,g,b,brightness");
+	item.value = GeData(Vector(parts[0], parts[1], parts[2]));
+	if(parts.size() == 4)
+		item.brightness = std::clamp(parts[3], 0.0, std::max(item.maxBrightness, 0.0));
+	return String();
+}
+
+} // namespace
+
 String GeDialog::setFromText(DialogItem& item, const String& text)
 {
 	switch(item.kind)
@@ -472,6 +727,18 @@ String GeDialog::setFromText(DialogItem& item, const String& text)
 		}
 		return String();
 	}
+	case DialogItem::Kind::RadioGroup:
+	case DialogItem::Kind::ComboBox:
+	{
+		bool error = false;
+		const int32_t entry = text.ToLong(&error);
+		if(error || !item.hasChild(entry))
+			return String("item ") + String::IntToString(item.id) + String(" has no entry \"") + text + String("\"");
+		item.value = GeData(entry);
+		return String();
+	}
+	case DialogItem::Kind::ColorField:
+		return colourFromText(item, text);
 	case DialogItem::Kind::Text:
 		item.value = GeData(text);
 		return String();
@@ -536,6 +803,14 @@ String GeDialog::TakeAction(const DialogAction& action)
 void RunOpenDialogs(double maxMs)
 {
 	runLoop(nullptr, maxMs);
+}
+
+void SendCoreMessage(int32_t id)
+{
+	// A message may close or open dialogs: each is looked up again.
+	for(GeDialog* dlg : OpenDialogs())
+		if(isOpen(dlg))
+			dlg->sendCoreMessage(id);
 }
 
 void CloseOpenDialogs()

@@ -77,11 +77,11 @@ public:
 		return refusals-- > 0;
 	}
 
-	int32_t Message(const BaseContainer& msg, BaseContainer&) override
+	int32_t Message(const BaseContainer& msg, BaseContainer& result) override
 	{
 		if(msg.GetId() == BFM_INPUT && msg.GetInt32(BFM_INPUT_DEVICE) == BFM_INPUT_KEYBOARD)
 			calls.push_back("key " + msg.GetString(BFM_INPUT_ASC).GetStdString());
-		return 0;
+		return GeDialog::Message(msg, result);
 	}
 
 	size_t count(const std::string& call) const

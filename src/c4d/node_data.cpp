@@ -95,6 +95,11 @@ int32_t CommandData::GetState(BaseDocument*)
 	return CMD_ENABLED;
 }
 
+bool CommandData::RestoreLayout(void*)
+{
+	return false;
+}
+
 bool CommandData::Execute(BaseDocument*)
 {
 	return false;

@@ -176,4 +176,7 @@ public:
 	// CMD_VALUE bits. The host runs no command without CMD_ENABLED.
 	// CMD_ENABLED by default.
 	virtual int32_t GetState(BaseDocument* doc);
+	// The application opens the dialogs of a saved layout: a command that
+	// has one opens it; false when it has none.
+	virtual bool RestoreLayout(void* secret);
 };

@@ -26,6 +26,27 @@ double lengthOf(const BaseContainer& data, int32_t id)
 	return std::max(data.GetFloat(id), 0.0);
 }
 
+struct SinCos
+{
+	double sin, cos;
+};
+
+// The sine and cosine of step / steps of a full turn. Whole quarter turns
+// are exact: there the true value is 0 or 1, and the C libraries of Linux
+// and Windows round the remainder of pi differently (cos(pi / 2) is 6.1e-17
+// with one and another tiny number with the other), while a primitive must
+// give the same points, and mesh files, on both.
+SinCos ofTurn(int32_t step, int32_t steps)
+{
+	if((4 * (int64_t)step) % steps == 0)
+	{
+		static const SinCos quarters[] = {{0, 1}, {1, 0}, {0, -1}, {-1, 0}};
+		return quarters[(4 * (int64_t)step / steps) % 4];
+	}
+	const double angle = 2 * M_PI * step / steps;
+	return {std::sin(angle), std::cos(angle)};
+}
+
 // A mesh being built: points, and polygons with the UVs of their corners.
 struct Mesh
 {
@@ -78,8 +99,8 @@ std::vector<int32_t> addRings(Mesh& mesh, const std::vector<ProfilePoint>& profi
 		const int32_t count = pp.radius == 0 ? 1 : segments;
 		for(int32_t j = 0; j < count; ++j)
 		{
-			const double angle = 2 * M_PI * j / segments;
-			mesh.points.push_back(Vector(-pp.radius * std::sin(angle), pp.y, pp.radius * std::cos(angle)));
+			const SinCos turn = ofTurn(j, segments);
+			mesh.points.push_back(Vector(-pp.radius * turn.sin, pp.y, pp.radius * turn.cos));
 		}
 	}
 	return first;
@@ -127,16 +148,16 @@ Mesh sphere(const BaseContainer& data)
 	const int32_t segments = segmentsOf(data, PRIM_SPHERE_SUB, 3);
 	const int32_t rows = std::max(segments / 2, 2);
 	const bool hemisphere = data.GetInt32(PRIM_SPHERE_TYPE) == PRIM_SPHERE_TYPE_HEMISPHERE;
-	// The hemisphere ends at the equator with half the rows over half the
-	// angle, and stays open there.
+	// The hemisphere ends at the equator with half the rows over a quarter
+	// turn, and stays open there; the sphere's rows span half a turn.
 	const int32_t bands = hemisphere ? std::max(rows / 2, 1) : rows;
-	const double span = hemisphere ? M_PI / 2 : M_PI;
+	const int32_t bands_per_turn = (hemisphere ? 4 : 2) * bands;
 	std::vector<ProfilePoint> profile;
 	for(int32_t i = 0; i <= bands; ++i)
 	{
-		const double angle = span * i / bands;
+		const SinCos turn = ofTurn(i, bands_per_turn);
 		const bool pole = i == 0 || (i == bands && !hemisphere);
-		profile.push_back({pole ? 0.0 : radius * std::sin(angle), radius * std::cos(angle), (double)i / bands});
+		profile.push_back({pole ? 0.0 : radius * turn.sin, radius * turn.cos, (double)i / bands});
 	}
 	Mesh mesh;
 	addRevolution(mesh, profile, segments, aroundAndAlong);

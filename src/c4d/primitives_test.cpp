@@ -72,6 +72,12 @@ TEST(Primitives, CountsExtentsFacingAndTags)
 		}
 		EXPECT_TRUE(isNear(min, t.min));
 		EXPECT_TRUE(isNear(max, t.max));
+		// Quarter turns are exact, as the points must not depend on how the
+		// platform's C library rounds near a multiple of pi: no coordinate
+		// is a tiny remainder instead of 0.
+		for(int32_t i = 0; i < op->GetPointCount(); ++i)
+			for(const double c : {p[i].x, p[i].y, p[i].z})
+				EXPECT_FALSE(c != 0 && std::abs(c) < 1e-9) << "point " << i << ": " << c;
 		for(int32_t i = 0; i < op->GetPolygonCount(); ++i)
 		{
 			const CPolygon& v = op->GetPolygonR()[i];

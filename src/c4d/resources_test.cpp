@@ -69,7 +69,7 @@ TEST(HostResources, LoadsTheModulesTableAndTellsMissingStrings)
 	HostResources& resources = HostResources::get();
 	VelornTest::TempDir module;
 	const Filename file = HostResources::stringsFile(module.path().c_str());
-	EXPECT_EQ(file, Filename((module.path() + "/res/strings_us/c4d_strings.str").c_str()));
+	EXPECT_EQ(file, Filename(module.file("res/strings_us/c4d_strings.str").c_str()));
 
 	EXPECT_FALSE(resources.init(module.path().c_str()));
 	EXPECT_EQ(resources.error(), String("could not open '" + file.GetString().GetStdString() + "' for reading."));

@@ -14,13 +14,19 @@ class HostSession
 {
 public:
 	// Empties the host's console first. Throws the library's exception when
-	// no module starts or the document cannot be read.
+	// no module starts or the document cannot be read; a document file that
+	// is missing or not JSON fails before any module starts, so that its
+	// error does not come after the plug-in's start-up lines.
 	HostSession(const std::string& plugins, const std::string& document);
 
 	BaseDocument& document() const { return *doc; }
 
-	// The console lines the host recorded, one a line.
+	// The console lines the host recorded, one a line; nothing when quiet.
 	static std::string consoleText();
+	// Whether commands leave the plug-in's console lines out of their
+	// output (velorn --quiet).
+	static void setQuiet(bool on) { quiet_console = on; }
+	static bool quiet() { return quiet_console; }
 
 private:
 	struct FreeDocument
@@ -28,6 +34,7 @@ private:
 		void operator()(BaseDocument* d) const { BaseDocument::Free(d); }
 	};
 
+	static inline bool quiet_console = false;
 	PluginModules modules;
 	std::unique_ptr<BaseDocument, FreeDocument> doc;
 };

@@ -1,13 +1,18 @@
 // The velorn command: scene and mesh tools of the Velorn scene library.
 
+#include "cli/command_examples.h"
 #include "cli/document_commands.h"
 #include "cli/draw_command.h"
 #include "cli/export_command.h"
+#include "cli/host_session.h"
 #include "cli/material_commands.h"
 #include "cli/mesh_commands.h"
+#include "cli/preview_command.h"
 #include "cli/render_command.h"
 #include "cli/sample_scene.h"
+#include "cli/tonemap_changes.h"
 #include "cli/scene_commands.h"
+#include "host/plugin_version.h"
 #include "support/exceptions.h"
 
 #include <CLI/CLI.hpp>
@@ -20,9 +25,24 @@
 namespace
 {
 
-// Runs one command; a library error becomes one message on standard error
-// and exit code 1.
-int run(const std::function<std::string()>& command)
+bool startsWithFile(const std::string& message, const std::string& file)
+{
+	return !file.empty() && message.compare(0, file.size() + 1, file + ":") == 0;
+}
+
+// The error of a command about file as one line, "velorn: <file>: <message>",
+// with the library's message as it is. A message that starts with file, or
+// with the other file the command reads, already (a document's errors do)
+// does not get a file before it.
+std::string errorLine(const std::string& file, const std::string& other, const std::string& message)
+{
+	const bool named = startsWithFile(message, file) || startsWithFile(message, other);
+	return "velorn: " + (named ? message : file + ": " + message);
+}
+
+// Runs one command about file, which may read one other file too; a library
+// error becomes one line on standard error and exit code 1.
+int run(const std::string& file, const std::function<std::string()>& command, const std::string& other = "")
 {
 	try
 	{
@@ -31,7 +51,7 @@ int run(const std::function<std::string()>& command)
 	}
 	catch(const Velorn::MessageException& e)
 	{
-		std::cerr << e.what() << "\n";
+		std::cerr << errorLine(file, other, e.what()) << "\n";
 		return 1;
 	}
 }
@@ -42,7 +62,7 @@ std::string withNewline(const std::string& text) { return text + "\n"; }
 int runExport(const ExportCommand::Options& options)
 {
 	std::string written;
-	const int code = run([&] {
+	const int code = run(options.document, [&] {
 		written = ExportCommand::run(options);
 		std::cout << ExportCommand::consoleText();
 		return withNewline(written);
@@ -58,6 +78,12 @@ int main(int argc, char** argv)
 {
 	CLI::App app{"Velorn scene tools: build, check and convert Velorn scenes and meshes."};
 	app.require_subcommand(1);
+	// --quiet and --version hold for every command, also given after it:
+	// the commands fall through to these options.
+	app.fallthrough();
+	app.set_version_flag("--version", std::string(velorn_version_text), "Print the plug-in's version and exit");
+	bool quiet = false;
+	app.add_flag("--quiet", quiet, "Leave the plug-in's console lines out of the output");
 
 	std::string out_dir = "out";
 	CLI::App* sample = app.add_subcommand("sample",
@@ -158,6 +184,7 @@ int main(int argc, char** argv)
 		"and save the host's picture (-o). Example: velorn render examples/studio.json --in-host -o studio.png --spp 4");
 	render->add_option("-o,--output", render_options.image, "The PNG picture of an in-host render");
 	render->add_option("--spp", render_options.spp, "Halt an in-host render after this many samples per pixel");
+	render->add_option("--tonemap", render_options.tonemap, TonemapChanges::help);
 
 	DrawCommand::Options draw_options;
 	draw_options.plugins = VELORN_PLUGIN_DIR;
@@ -169,10 +196,33 @@ int main(int argc, char** argv)
 	draw->add_option("--size", draw_options.size, "The view's size in pixels, WxH")->capture_default_str();
 	draw->add_option("--plugins", draw_options.plugins, "The host's plug-in directory")->capture_default_str();
 
-	CLI11_PARSE(app, argc, argv);
+	PreviewCommand::Options preview_options;
+	preview_options.plugins = VELORN_PLUGIN_DIR;
+	preview_options.renderer_dir = VELORN_RENDERER_DIR;
+	CLI::App* preview = app.add_subcommand("preview",
+		"Render the material manager's preview of one material of a host document, as the host's preview asks "
+		"the material for it: in the plug-in's preview scene, through the video post and the renderer's SDK "
+		"library (from --renderer); save it as a PNG.");
+	preview->add_option("MATERIAL", preview_options.material, "The material's name")->required();
+	preview->add_option("DOCUMENT", preview_options.document, "Document file")->required();
+	preview->add_option("-o,--output", preview_options.image, "PNG file to write")->required();
+	preview->add_option("--size", preview_options.size, "The preview's side in pixels")->capture_default_str();
+	preview->add_option("--quality", preview_options.quality, "The material's preview quality for this preview")
+		->check(CLI::IsMember(std::vector<std::string>(std::begin(PreviewCommand::quality_names),
+			std::end(PreviewCommand::quality_names))));
+	preview->add_option("--renderer", preview_options.renderer_dir, "The renderer's directory")->capture_default_str();
+	preview->add_option("--plugins", preview_options.plugins, "The host's plug-in directory")->capture_default_str();
+	preview->footer("Example: velorn preview \"Glossy Floor\" examples/studio.json -o out/preview.png --size 64 "
+					"--quality low");
 
+	CommandExamples::addExamples(app);
+	CLI11_PARSE(app, argc, argv);
+	HostSession::setQuiet(quiet);
+
+	if(preview->parsed())
+		return run(preview_options.document, [&] { return PreviewCommand::run(preview_options); });
 	if(draw->parsed())
-		return run([&] { return DrawCommand::run(draw_options); });
+		return run(draw_options.document, [&] { return DrawCommand::run(draw_options); });
 	if(render->parsed())
 	{
 		if(render_options.in_host && render_options.image.empty())
@@ -180,23 +230,24 @@ int main(int argc, char** argv)
 			std::cerr << "render --in-host needs -o IMAGE.png" << std::endl;
 			return 2;
 		}
-		return run([&] {
+		return run(render_options.document, [&] {
 			return render_options.in_host ? RenderCommand::renderInHost(render_options) :
 											RenderCommand::renderExternally(render_options);
 		});
 	}
 
 	if(import_material->parsed())
-		return run([&] { return MaterialCommands::importMaterial(import_options); });
+		return run(
+			import_options.file, [&] { return MaterialCommands::importMaterial(import_options); }, import_options.document);
 
 	if(command->parsed())
 	{
 		for(const std::string& answer : answers)
 			command_options.answers.push_back(answer == "yes");
-		return run([&] { return DocumentCommands::runCommand(command_options); });
+		return run(command_options.document, [&] { return DocumentCommands::runCommand(command_options); });
 	}
 	if(describe->parsed())
-		return run([&] { return DocumentCommands::describe(describe_plugins, describe_document, describe_node); });
+		return run(describe_document, [&] { return DocumentCommands::describe(describe_plugins, describe_document, describe_node); });
 
 	if(exporter->parsed())
 	{
@@ -206,12 +257,12 @@ int main(int argc, char** argv)
 	}
 
 	if(sample->parsed())
-		return run([&] { return "Wrote " + Velorn::writeSampleScene(out_dir) + "\n"; });
+		return run(out_dir, [&] { return "Wrote " + Velorn::writeSampleScene(out_dir) + "\n"; });
 	if(check->parsed())
-		return run([&] { return withNewline(Velorn::SceneCommands::check(scene_path)); });
+		return run(scene_path, [&] { return withNewline(Velorn::SceneCommands::check(scene_path)); });
 	if(format->parsed())
-		return run([&] { return withNewline(Velorn::SceneCommands::format(scene_path, scene_out)); });
+		return run(scene_path, [&] { return withNewline(Velorn::SceneCommands::format(scene_path, scene_out)); });
 	if(info->parsed())
-		return run([&] { return Velorn::MeshCommands::info(mesh_path); });
-	return run([&] { return withNewline(Velorn::MeshCommands::convert(mesh_path, mesh_out)); });
+		return run(mesh_path, [&] { return Velorn::MeshCommands::info(mesh_path); });
+	return run(mesh_path, [&] { return withNewline(Velorn::MeshCommands::convert(mesh_path, mesh_out)); });
 }

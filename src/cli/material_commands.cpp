@@ -34,9 +34,10 @@ std::string importMaterial(const ImportOptions& options)
 		throw Velorn::VelornException("The command \"Import .vlm\" failed.");
 
 	std::string report;
-	// The console lines and the warnings dialog, in the order they came.
+	// The console lines (unless quiet) and the warnings dialog, in the order
+	// they came.
 	for(const HostConsole::Entry& entry : HostConsole::get().entries())
-		if(entry.kind == HostConsole::Kind::Print || entry.kind == HostConsole::Kind::Message)
+		if((entry.kind == HostConsole::Kind::Print && !HostSession::quiet()) || entry.kind == HostConsole::Kind::Message)
 			report += entry.text.GetStdString() + "\n";
 	const std::string target = options.out.empty() ? options.document : options.out;
 	SaveDocumentFile(session.document(), Filename(String(target)));

@@ -5,6 +5,7 @@
 #include "c4d/dialog_script.h"
 #include "c4d/plugin_registry.h"
 #include "cli/host_session.h"
+#include "cli/tonemap_changes.h"
 #include "host/plugin_ids.h"
 #include "host/renderer_launch.h"
 #include "host/video_post_lookup.h"
@@ -89,8 +90,28 @@ std::string renderExternally(const Options& options)
 	return report;
 }
 
+void loadRendererLibrary(const std::string& renderer_dir)
+{
+	// The plug-in looks for the library in its own directory; here it is
+	// taken from the renderer's.
+	g_context = new Velorn::VelornContext();
+	std::string error;
+	const std::string appdata = Velorn::FileUtils::join(Velorn::PlatformUtils::getAPPDataDirPath(), "Velorn Renderer");
+	if(g_context->load(renderer_dir, appdata, error) != Velorn::VelornContext::LOAD_OK)
+		throw Velorn::VelornException("The renderer's SDK library cannot be loaded: " + error);
+}
+
+std::string hostReport()
+{
+	std::string report = HostSession::consoleText();
+	for(const String& message : HostConsole::get().texts(HostConsole::Kind::Message))
+		report += "[message] " + message.GetStdString() + "\n";
+	return report;
+}
+
 std::string renderInHost(const Options& options)
 {
+	TonemapChanges tonemap(options.tonemap);
 	const HostSession session(options.plugins, options.document);
 	BaseDocument& doc = session.document();
 	BaseContainer* vp = findVideoPostContainer(&doc);
@@ -99,16 +120,12 @@ std::string renderInHost(const Options& options)
 	if(options.spp > 0)
 		vp->SetFloat(vp_halt_spp, options.spp);
 
-	// The plug-in looks for the library in its own directory; here it is
-	// taken from the renderer's.
-	g_context = new Velorn::VelornContext();
-	std::string error;
-	const std::string appdata = Velorn::FileUtils::join(Velorn::PlatformUtils::getAPPDataDirPath(), "Velorn Renderer");
-	if(g_context->load(options.renderer_dir, appdata, error) != Velorn::VelornContext::LOAD_OK)
-		throw Velorn::VelornException("The renderer's SDK library cannot be loaded: " + error);
+	loadRendererLibrary(options.renderer_dir);
 
 	BaseBitmap bitmap;
 	int32_t result;
+	if(!tonemap.empty())
+		tonemap.open();
 	{
 		RenderThread thread(&doc, &bitmap);
 		if(!thread.Start(String("Render")))
@@ -116,18 +133,23 @@ std::string renderInHost(const Options& options)
 		while(thread.IsRunning())
 		{
 			RunMainThreadEvents();
-			std::this_thread::sleep_for(std::chrono::milliseconds(20));
+			if(!tonemap.empty())
+				tonemap.poll();
+			std::this_thread::sleep_for(std::chrono::milliseconds(tonemap.empty() ? 20 : 5));
 		}
 		thread.Wait();
 		result = thread.GetResult();
 	}
 	RunMainThreadEvents();
 	const std::string status = HostConsole::get().statusText().GetStdString();
-	std::string report = HostSession::consoleText();
-	for(const String& message : HostConsole::get().texts(HostConsole::Kind::Message))
-		report += "[message] " + message.GetStdString() + "\n";
+	std::string report = hostReport();
 	if(result != RENDERRESULT_OK)
 		throw Velorn::VelornException(report + "The render failed with the result " + std::to_string(result) + ".");
+	if(!tonemap.empty())
+	{
+		tonemap.check();
+		report += tonemap.report();
+	}
 	if(bitmap.Save(Filename(String(options.image)), FILTER_PNG, nullptr, SAVEBIT_NONE) != IMAGERESULT_OK)
 		throw Velorn::VelornException(report + "The picture cannot be saved as '" + options.image + "'.");
 	report += "Status: " + status + "\n";

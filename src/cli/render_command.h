@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 // The work behind `velorn render`: "Render with Velorn" run on a host
 // document, as the user's click in the menu runs it.
@@ -22,6 +23,9 @@ struct Options
 	// The halt in samples per pixel of the in-host render; 0 keeps the
 	// document's.
 	double spp = 0;
+	// KEY=VALUE changes made through the tone mapping dialog while the
+	// in-host render runs (tonemap_changes.h).
+	std::vector<std::string> tonemap;
 };
 
 // Exports the document as the command does and starts the renderer; reports
@@ -37,5 +41,13 @@ std::string renderExternally(const Options& options);
 // Reports the console, the status bar's last text and the result; a render
 // that fails throws the library's exception with the console.
 std::string renderInHost(const Options& options);
+
+// Loads the renderer's SDK library from renderer_dir for the plug-in, as the
+// plug-in would from its own directory; throws the library's exception when
+// it cannot be loaded.
+void loadRendererLibrary(const std::string& renderer_dir);
+
+// The host's console lines, then the text of each message box shown.
+std::string hostReport();
 
 } // namespace RenderCommand

@@ -4,6 +4,7 @@
 #include "support/failures.h"
 #include "support/platform_utils.h"
 #include "support/test_files.h"
+#include "support/user_data_dir.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +16,7 @@
 TEST(RenderCommand, StartsTheRendererWithTheScene)
 {
 	VelornTest::TempDir home, renderer, out;
-	Velorn::PlatformUtils::setEnvironmentVariable("XDG_CONFIG_HOME", home.path());
+	const VelornTest::UserDataDirectory data_dir(home.path());
 	Velorn::PlatformUtils::setEnvironmentVariable("VELORN_RECORD_ARGUMENTS", out.file("arguments.txt"));
 	for(const char* name : {"velorn.exe", "velorn_console.exe"})
 		std::filesystem::copy_file(RECORD_ARGUMENTS, renderer.file(name));

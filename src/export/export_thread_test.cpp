@@ -9,11 +9,15 @@
 #include "c4d/render_data.h"
 #include "export/export_test_helpers.h"
 #include "host/settings.h"
-#include "support/exceptions.h"
 #include "support/file_utils.h"
+#include "support/platform.h"
 #include "support/platform_utils.h"
+#include "support/user_data_dir.h"
 
+#include <algorithm>
+#include <chrono>
 #include <filesystem>
+#include <thread>
 
 
 
@@ -26,14 +30,6 @@ protected:
 	void SetUp() override
 	{
 		ExportTest::SetUp();
-		try
-		{
-			saved_config = Velorn::PlatformUtils::getEnvironmentVariable("XDG_CONFIG_HOME");
-		}
-		catch(const Velorn::PlatformUtilsExcep&)
-		{
-		}
-		Velorn::PlatformUtils::setEnvironmentVariable("XDG_CONFIG_HOME", home.path());
 		Velorn::PlatformUtils::setEnvironmentVariable("VELORN_RECORD_ARGUMENTS", arguments());
 		DialogScript::get().clear();
 		for(const char* name : {"velorn.exe", "velorn_console.exe"})
@@ -42,13 +38,15 @@ protected:
 	}
 	void TearDown() override
 	{
-		Velorn::PlatformUtils::setEnvironmentVariable("XDG_CONFIG_HOME", saved_config);
 		DialogScript::get().clear();
 		ExportTest::TearDown();
 	}
 
 	std::string arguments() const { return out.file("arguments.txt"); }
-	std::string quickDir() const { return home.file("Velorn for Cinema 4D/quickrender"); }
+	// The quick render folder in the user's data directory, and a file in it.
+	std::string quickDir() const { return home.file(quick_folder); }
+	std::string quickFile(const std::string& name) const { return home.file(quick_folder + ("/" + name)); }
+	static constexpr const char* quick_folder = "Velorn for Cinema 4D/quickrender";
 
 	// Runs the command's dialog on the document until it closes.
 	void render()
@@ -67,12 +65,20 @@ protected:
 		rd->SetTime(RDATA_FRAMETO, BaseTime(to, 30));
 	}
 
-	// The arguments the renderer was started with, behind the seed.
+	// The arguments the renderer was started with, behind the seed. The
+	// renderer runs by itself, so its record appears some time after the
+	// launch, with the platform's line ends.
 	std::string launchedWith() const
 	{
-		if(!Velorn::FileUtils::fileExists(arguments()))
-			return "(not launched)";
-		const std::string text = VelornTest::readFile(arguments());
+		const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+		while(!Velorn::FileUtils::fileExists(arguments()))
+		{
+			if(std::chrono::steady_clock::now() > deadline)
+				return "(not launched)";
+			std::this_thread::sleep_for(std::chrono::milliseconds(20));
+		}
+		std::string text = VelornTest::readFile(arguments());
+		text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
 		const size_t seed = text.find("-seed\n");
 		return seed == std::string::npos ? text : text.substr(text.find('\n', seed + 6) + 1);
 	}
@@ -94,7 +100,7 @@ protected:
 	}
 
 	VelornTest::TempDir home, install, out;
-	std::string saved_config;
+	const VelornTest::UserDataDirectory data_dir{home.path()};
 	TestDocument document;
 };
 
@@ -123,7 +129,11 @@ TEST_F(RenderWithVelorn, AnimationWritesQueue)
 								"textures.quickrender_frame000004"}));
 	// Each seed is a whole number below the timer's reading of 1000; the
 	// rest of the queue is compared with the seeds as "#".
-	std::string queue = VelornTest::readFile(quickDir() + "/quickrender.vlq");
+	std::string queue = VelornTest::readFile(quickFile("quickrender.vlq"));
+#ifdef _WIN32
+	// TinyXML writes in text mode: on Windows lines end in CR LF.
+	queue.erase(std::remove(queue.begin(), queue.end(), '\r'), queue.end());
+#endif
 	for(size_t at = queue.find("<seed>"); at != std::string::npos; at = queue.find("<seed>", at + 1))
 	{
 		const size_t end = queue.find("</seed>", at);
@@ -131,21 +141,24 @@ TEST_F(RenderWithVelorn, AnimationWritesQueue)
 		EXPECT_TRUE(seed >= 0 && seed < 1000) << seed;
 		queue.replace(at + 6, end - at - 6, "#");
 	}
+	// The images lie in the output's directory, joined by the system's
+	// separator.
+	const std::string separator(1, Velorn::Platform::preferredSeparator());
 	std::string expected = "<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<render_queue>\n";
 	for(int frame = 0; frame < 5; ++frame)
 	{
 		const std::string n = "00000" + std::to_string(frame);
-		expected += "    <item>\n        <scene_path>" + quickDir() + "/quickrender_frame" + n
-			+ ".vls</scene_path>\n        <output_path>/renders/shot_frame" + n
+		expected += "    <item>\n        <scene_path>" + quickFile("quickrender_frame" + n)
+			+ ".vls</scene_path>\n        <output_path>/renders" + separator + "shot_frame" + n
 			+ ".png</output_path>\n        <halt_time>60.000000</halt_time>\n"
 			  "        <halt_spp>2.500000</halt_spp>\n        <seed>#</seed>\n    </item>\n";
 	}
 	EXPECT_EQ(queue, expected + "</render_queue>\n");
 	EXPECT_EQ(launches(), 1u);
 	EXPECT_EQ(launchedWith(),
-		"-o\n/renders/shot.png\n-vlio\n/renders/shot.vli\n-uexro\n/renders/shot_untonemapped.exr\n-texro\n"
-		"/renders/shot_tonemapped.exr\n"
-			+ quickDir() + "/quickrender.vlq\n");
+		"-o\n/renders" + separator + "shot.png\n-vlio\n/renders" + separator + "shot.vli\n-uexro\n/renders" + separator
+			+ "shot_untonemapped.exr\n-texro\n/renders" + separator + "shot_tonemapped.exr\n" + quickFile("quickrender.vlq")
+			+ "\n");
 }
 
 // A range of one frame, by the render data's own rate, is no animation: no
@@ -168,7 +181,8 @@ TEST_F(RenderWithVelorn, SingleFrameAndRates)
 	{
 		SCOPED_TRACE(c.rate);
 		Velorn::FileUtils::createDirsForPath(quickDir());
-		Velorn::FileUtils::writeEntireFile(quickDir() + "/left over.vls", std::string("old"));
+		Velorn::FileUtils::writeEntireFile(quickFile("left over.vls"), std::string("old"));
+		std::filesystem::remove(arguments());
 		animate(0, c.to);
 		document.doc->GetActiveRenderData()->GetDataInstance()->SetInt32(RDATA_FRAMERATE, c.rate);
 		render();
@@ -212,7 +226,7 @@ TEST_F(RenderWithVelorn, KeyCancelsTheExport)
 	DialogScript::get().pushAction(DialogAction::key(String("x")));
 	render();
 	EXPECT_EQ(messages(), std::vector<String>{String("Export failed:\nExport was cancelled by user.")});
-	EXPECT_FALSE(Velorn::FileUtils::fileExists(quickDir() + "/quickrender.vlq"));
+	EXPECT_FALSE(Velorn::FileUtils::fileExists(quickFile("quickrender.vlq")));
 	EXPECT_EQ(launches(), 0u);
 }
 

@@ -80,6 +80,8 @@ enum
 	vp_vignetting = 1430,
 	vp_merge_vertices = 1431,
 	vp_render_mode_material_id = 1432,
+	// This render is a material preview.
+	vp_material_preview = 1433,
 	vp_sky_model_captured = 1434,
 	vp_gpu = 1435,
 	vp_gpu_device = 1436,

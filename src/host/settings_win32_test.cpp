@@ -3,6 +3,7 @@
 // the system's reg.exe into the current user's hive, which the build's own
 // Wine prefix holds.
 
+#include "c4d/console.h"
 #include "host/plugin_globals.h"
 #include "host/renderer_launch.h"
 #include "host/settings.h"
@@ -132,4 +133,24 @@ TEST_F(RegistryDiscovery, TheRegisteredRendererStartsWithTheCommandLine)
 		"-vlio", "C:\\out put\\frame.vli", "-uexro", "C:\\out put\\frame_untonemapped.exr", "-texro",
 		"C:\\out put\\frame_tonemapped.exr", "C:\\my scenes\\a b.vls"};
 	EXPECT_EQ(rest, expected);
+}
+
+// A renderer file that Windows cannot start: CreateProcessW fails, the
+// launch says so by its result alone, nothing else reaches the console, and
+// the system's reason is the last error.
+TEST_F(RegistryDiscovery, ARendererThatCannotStartIsNotLaunched)
+{
+	realtime_edition = 0;
+	const std::string dir = installation("Velorn");
+	VelornTest::writeFile(FileUtils::join(dir, "velorn.exe"), "MZ not a program");
+	setInstallDirectory("Velorn Renderer", dir);
+	HostConsole::get().clear();
+
+	RendererRequest request;
+	request.scene_file = Filename("C:\\scenes\\a.vls");
+	EXPECT_FALSE(launchRenderer(false, request));
+	// ERROR_BAD_EXE_FORMAT.
+	EXPECT_EQ(Platform::lastErrorCode(), 193);
+	EXPECT_NE(Platform::lastErrorString().find("(error code=193)"), std::string::npos) << Platform::lastErrorString();
+	EXPECT_EQ(HostConsole::get().texts(HostConsole::Kind::Print), std::vector<::String>{::String("Launching Velorn...")});
 }

@@ -12,6 +12,7 @@
 #include "host/plugin_ids.h"
 #include "host/registration.h"
 #include "materials/material_ids.h"
+#include "materials/material_preview.h"
 #include "materials/material_rules.h"
 
 #include <algorithm>
@@ -239,6 +240,9 @@ bool VelornMaterial::Message(GeListNode* node, int32_t type, void* data)
 	// host's shader menus and tree.
 	for(int32_t id : shaderLinkIds())
 		HandleShaderMessage(node, linkedShader(*bc, id, doc), type, data);
+
+	if(isPreviewMessage(type))
+		return answerPreviewMessage(static_cast<BaseMaterial*>(node), type, data, previewFailed);
 
 	switch(type)
 	{

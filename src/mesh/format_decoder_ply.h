@@ -21,6 +21,12 @@ public:
 	// Decodes the PLY file held in memory, as streamModel does a file.
 	static void decodeBytes(const char* bytes, size_t size, Mesh& mesh, float scale);
 
+	// Whether the body of the reader's file, its header read, is read in
+	// bulk rather than value by value through the reader's callbacks: a
+	// binary file of float x, y, z vertices and, if any, faces of one list of
+	// uchar length and int or uint entries, and no other elements.
+	static bool readsInBulk(const PlyReader& reader);
+
 private:
 	// The steps after opening: header, callbacks, body, close, endOfModel.
 	static void decode(PlyReader& reader, Mesh& mesh, float scale);

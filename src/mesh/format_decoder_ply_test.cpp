@@ -2,6 +2,7 @@
 
 #include "mesh/mesh.h"
 #include "mesh/mesh_test_helpers.h"
+#include "mesh/ply_reader.h"
 #include "mesh/ply_test_helpers.h"
 #include "support/test_files.h"
 
@@ -9,6 +10,7 @@
 
 #include <cmath>
 #include <string>
+#include <vector>
 
 using namespace Velorn;
 using VelornTest::expectDecoderError;
@@ -152,4 +154,114 @@ TEST(FormatDecoderPLY, ReadsFiles)
 	const std::string missing = dir.file("missing.ply");
 	expectDecoderError([&] { FormatDecoderPLY().streamModel(missing, mesh, 1); },
 		"could not open file '" + missing + "' for reading.");
+}
+
+namespace
+{
+
+// What a decoding left: the mesh as far as it got, and the error, if any.
+struct Outcome
+{
+	Vector<Vec3f> verts;
+	std::vector<std::vector<uint32_t>> triangles;
+	std::string error;
+};
+
+Outcome decodeOutcome(const std::string& bytes)
+{
+	Outcome outcome;
+	Mesh mesh;
+	try
+	{
+		FormatDecoderPLY::decodeBytes(bytes.data(), bytes.size(), mesh, 3);
+	}
+	catch(const ModelFormatDecoderExcep& e)
+	{
+		outcome.error = e.what();
+	}
+	outcome.verts = mesh.verts;
+	for(const MeshTriangle& t : mesh.triangles)
+		outcome.triangles.push_back({t.vertex_indices[0], t.vertex_indices[1], t.vertex_indices[2], t.uv_indices[0],
+			t.uv_indices[1], t.uv_indices[2], t.tri_mat_index});
+	return outcome;
+}
+
+bool readsInBulk(const std::string& bytes)
+{
+	PlyReader reader;
+	reader.openMemory(bytes.data(), bytes.size());
+	return reader.readHeader() && FormatDecoderPLY::readsInBulk(reader);
+}
+
+} // namespace
+
+// The bulk read of a binary body must leave the mesh the value-by-value
+// read leaves, also where it fails. The general path reads the same body
+// bytes under a header with one more, empty, element, which takes the file
+// out of the bulk layout.
+TEST(FormatDecoderPLY, BulkReadMatchesValueByValue)
+{
+	const PlyTestElement vertices = {"vertex", {{"float", "x"}, {"float", "y"}, {"float", "z"}},
+		{{{0}, {0}, {0}}, {{1}, {0}, {0}}, {{1}, {1}, {0.25}}, {{0}, {1}, {-2}}, {{0.5}, {0.5}, {1e30}}}};
+	const std::vector<std::vector<double>> faces = {{0, 1, 2}, {0, 2, 3, 1}, {3, 4}, {}, {1, 1, 2}, {4, 3, 2, 1, 0}, {2, 3, 0}};
+	const PlyTestElement empty = {"extra", {{"uchar", "flag"}}, {}};
+	for(const char* entries : {"int", "uint"})
+		for(const bool big_endian : {false, true})
+		{
+			PlyTestElement face = {"face", {{entries, "vertex_indices", "uchar"}}, {}};
+			for(const std::vector<double>& f : faces)
+				face.instances.push_back({f});
+			const std::string bulk = PlyTestFile({vertices, face}).binary(big_endian);
+			const std::string general = PlyTestFile({vertices, face, empty}).binary(big_endian);
+			const std::string format = big_endian ? "binary_big_endian" : "binary_little_endian";
+			const size_t bulk_header = PlyTestFile({vertices, face}).header(format).size();
+			const size_t general_header = PlyTestFile({vertices, face, empty}).header(format).size();
+			ASSERT_TRUE(readsInBulk(bulk));
+			ASSERT_FALSE(readsInBulk(general));
+			// Every length of the body, from none to all of it.
+			for(size_t body = 0; bulk_header + body <= bulk.size(); ++body)
+			{
+				SCOPED_TRACE(std::string(entries) + (big_endian ? ", big endian" : ", little endian") + ", body bytes " +
+					std::to_string(body));
+				const Outcome expected = decodeOutcome(general.substr(0, general_header + body));
+				const Outcome actual = decodeOutcome(bulk.substr(0, bulk_header + body));
+				EXPECT_EQ(actual.error, expected.error);
+				EXPECT_EQ(actual.verts, expected.verts);
+				EXPECT_EQ(actual.triangles, expected.triangles);
+			}
+			const Outcome whole = decodeOutcome(bulk);
+			EXPECT_EQ(whole.error, "");
+			EXPECT_EQ(whole.verts.size(), 5u);
+			EXPECT_EQ(whole.triangles.size(), 4u);
+		}
+}
+
+TEST(FormatDecoderPLY, BulkReadFailsAtTheSameIndex)
+{
+	const PlyTestElement vertex = {"vertex", {{"float", "x"}, {"float", "y"}, {"float", "z"}},
+		{{{0}, {0}, {0}}, {{1}, {0}, {0}}, {{0}, {1}, {0}}}};
+	const PlyTestElement empty = {"extra", {{"uchar", "flag"}}, {}};
+	struct Case
+	{
+		const char* entries;
+		double index;
+		const char* message;
+	};
+	const Case cases[] = {
+		{"int", 3, "Triangle vertex index is out of bounds. (vertex index=3)"},
+		{"int", -2, "Triangle vertex index is out of bounds. (vertex index=4294967295)"},
+		{"uint", 4294967295.0, "Triangle vertex index is out of bounds. (vertex index=4294967295)"},
+	};
+	for(const Case& c : cases)
+	{
+		SCOPED_TRACE(std::string(c.entries) + " " + std::to_string(c.index));
+		const PlyTestElement face = {"face", {{c.entries, "vertex_indices", "uchar"}}, {{{0, 1, 2}}, {{0, c.index, 1}}}};
+		const std::string bulk = PlyTestFile({vertex, face}).binary(true);
+		ASSERT_TRUE(readsInBulk(bulk));
+		const Outcome actual = decodeOutcome(bulk);
+		const Outcome expected = decodeOutcome(PlyTestFile({vertex, face, empty}).binary(true));
+		EXPECT_EQ(actual.error, c.message);
+		EXPECT_EQ(expected.error, c.message);
+		EXPECT_EQ(actual.triangles, expected.triangles);
+	}
 }

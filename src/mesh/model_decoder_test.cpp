@@ -34,9 +34,6 @@ TEST(ModelDecoder, ExtensionSelectsTheDecoder)
 		SCOPED_TRACE(c.path);
 		EXPECT_EQ(typeid(findDecoder(c.path)), c.decoder);
 	}
-	EXPECT_EQ(FormatDecoderObj().getExtensions(), std::vector<std::string>{"obj"});
-	EXPECT_EQ(FormatDecoderPLY().getExtensions(), std::vector<std::string>{"ply"});
-	EXPECT_EQ(VelornMeshDecoder().getExtensions(), std::vector<std::string>{"vlmesh"});
 }
 
 TEST(ModelDecoder, PathsWithoutADecoder)

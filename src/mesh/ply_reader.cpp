@@ -5,7 +5,6 @@
 #include "support/mem_mapped_file.h"
 #include "support/string_utils.h"
 
-#include <cstring>
 #include <limits>
 
 namespace Velorn
@@ -77,17 +76,6 @@ const bool HOST_IS_BIG_ENDIAN = true;
 const bool HOST_IS_BIG_ENDIAN = false;
 #endif
 
-template <class T>
-T swapBytes(T value)
-{
-	unsigned char bytes[sizeof(T)];
-	std::memcpy(bytes, &value, sizeof(T));
-	for(size_t i = 0; i < sizeof(T) / 2; ++i)
-		std::swap(bytes[i], bytes[sizeof(T) - 1 - i]);
-	std::memcpy(&value, bytes, sizeof(T));
-	return value;
-}
-
 // Values of a binary body; Swap when the file's byte order is not the host's.
 template <bool Swap>
 class BinarySource
@@ -127,9 +115,7 @@ private:
 	{
 		if((size_t)(end - p) < sizeof(T))
 			return false;
-		T raw;
-		std::memcpy(&raw, p, sizeof(T));
-		value = Swap ? swapBytes(raw) : raw;
+		value = loadPlyValue<Swap, T>(p);
 		p += sizeof(T);
 		return true;
 	}
@@ -389,20 +375,34 @@ uint64_t PlyReader::setReadCallback(const std::string& element, const std::strin
 	return 0;
 }
 
-bool PlyReader::readBody()
+bool PlyReader::swapsBytes() const
+{
+	return storage_kind != PlyStorage::Ascii && (storage_kind == PlyStorage::BinaryBigEndian) != HOST_IS_BIG_ENDIAN;
+}
+
+bool PlyReader::body(const char*& begin, const char*& end)
 {
 	if(!header_read)
 		return fail("the header has not been read");
 	if(!counts_fit)
 		return fail(countsProblem());
-	const char* begin = data + body_offset;
-	const char* end = data + size;
+	begin = data + body_offset;
+	end = data + size;
+	return true;
+}
+
+bool PlyReader::readBody()
+{
+	const char* begin = nullptr;
+	const char* end = nullptr;
+	if(!body(begin, end))
+		return false;
 	if(storage_kind == PlyStorage::Ascii)
 	{
 		AsciiSource source(begin, end);
 		return readElements(source);
 	}
-	if((storage_kind == PlyStorage::BinaryBigEndian) != HOST_IS_BIG_ENDIAN)
+	if(swapsBytes())
 	{
 		BinarySource<true> source(begin, end);
 		return readElements(source);

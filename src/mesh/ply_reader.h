@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Velorn
@@ -33,6 +35,21 @@ enum class PlyType
 
 struct PlyElement;
 struct PlyProperty;
+
+// The binary value of type T at p; Swap when the file's byte order is not
+// the host's (PlyReader::swapsBytes()).
+template <bool Swap, class T>
+T loadPlyValue(const char* p)
+{
+	unsigned char bytes[sizeof(T)];
+	std::memcpy(bytes, p, sizeof(T));
+	if(Swap)
+		for(size_t i = 0; i < sizeof(T) / 2; ++i)
+			std::swap(bytes[i], bytes[sizeof(T) - 1 - i]);
+	T value;
+	std::memcpy(&value, bytes, sizeof(T));
+	return value;
+}
 
 // What a read callback is told about one value of the body.
 struct PlyArgument
@@ -99,10 +116,17 @@ public:
 	uint64_t setReadCallback(const std::string& element, const std::string& property, PlyReadCallback callback,
 		void* user_data, long user_index);
 	bool readBody();
+	// The bytes of the body, for a caller that reads a binary body of a
+	// layout it knows in bulk instead of through readBody(). False, with the
+	// reason in error(), where readBody() would fail before its first value:
+	// the header is not read, or its counts do not fit the data.
+	bool body(const char*& begin, const char*& end);
 	void close();
 
 	const std::string& error() const { return error_message; }
 	PlyStorage storage() const { return storage_kind; }
+	// Whether the body is binary in the byte order other than the host's.
+	bool swapsBytes() const;
 	const std::vector<PlyElement>& elements() const { return element_list; }
 
 private:

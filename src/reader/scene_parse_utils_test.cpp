@@ -78,14 +78,9 @@ Reader asString(const char* name = "a")
 std::string resultOf(const Case& c)
 {
 	XMLText doc(c.xml);
-	try
-	{
-		return c.read(doc.root());
-	}
-	catch(const SceneParseUtilsExcep& e)
-	{
-		return e.what();
-	}
+	std::string result;
+	const std::string failure = VelornTest::failureOf<SceneParseUtilsExcep>([&] { result = c.read(doc.root()); });
+	return failure == "(no failure)" ? result : failure;
 }
 
 void runCases(const Case* cases, size_t count)

@@ -8,6 +8,7 @@
 #include "scene/scene_node_camera.h"
 #include "scene/scene_node_model.h"
 #include "scene/scene_node_sphere.h"
+#include "support/file_utils.h"
 
 #include <gtest/gtest.h>
 
@@ -15,6 +16,7 @@
 
 using namespace Velorn;
 using VelornTest::classAndFailureOf;
+using VelornTest::parseScene;
 using VelornTest::place;
 using VelornTest::putFile;
 using VelornTest::sceneDataText;
@@ -45,12 +47,6 @@ std::string boxMesh(const TempDir& dir, uint32_t uid)
 	writeMeshToFile(dir.file("box.vlmesh"), *VelornTest::sampleMesh());
 	return "<mesh><uid>" + std::to_string(uid) +
 		   "</uid><name>Box</name><normal_smoothing>false</normal_smoothing><external><path>box.vlmesh</path></external></mesh>\n";
-}
-
-Reference<SceneNodeRoot> parseScene(const TempDir& dir, const std::string& children, const std::string& settings_override = "")
-{
-	SceneParser parser;
-	return parser.parseFile(putFile(dir, "main.vls", sceneText(children)), settings_override);
 }
 
 std::string failureOfScene(const TempDir& dir, const std::string& children)
@@ -189,7 +185,7 @@ TEST(SceneParserInclude, Cycles)
 
 	putFile(dir, "a.vlm", sceneDataText(include("b.vlm")));
 	putFile(dir, "b.vlm", sceneDataText(include("./a.vlm")));
-	EXPECT_EQ(failureOfScene(dir, include("a.vlm")), cycle + dir.file("b.vlm") + "' includes '" + dir.file("./a.vlm") + read);
+	EXPECT_EQ(failureOfScene(dir, include("a.vlm")), cycle + dir.file("b.vlm") + "' includes '" + Velorn::FileUtils::join(dir.path(), "./a.vlm") + read);
 
 	EXPECT_EQ(failureOfScene(dir, include("main.vls")), cycle + dir.file("main.vls") + "' includes '" + dir.file("main.vls") + read);
 }

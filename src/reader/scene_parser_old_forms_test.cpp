@@ -8,15 +8,15 @@
 #include "scene/scene_node_background_settings.h"
 #include "scene/scene_node_camera.h"
 #include "scene/scene_node_model.h"
+#include "support/file_utils.h"
 
 #include <gtest/gtest.h>
 
 using namespace Velorn;
 using VelornTest::classAndFailureOf;
 using VelornTest::parseNode;
+using VelornTest::parseScene;
 using VelornTest::place;
-using VelornTest::putFile;
-using VelornTest::sceneText;
 using VelornTest::TempDir;
 
 namespace
@@ -24,12 +24,6 @@ namespace
 
 const char* const external_box =
 	"<mesh><name>Box</name><normal_smoothing>false</normal_smoothing><external><path>box.vlmesh</path></external></mesh>\n";
-
-Reference<SceneNodeRoot> parseScene(const TempDir& dir, const std::string& children)
-{
-	SceneParser parser;
-	return parser.parseFile(putFile(dir, "main.vls", sceneText(children)), "");
-}
 
 template <class T>
 T& child(const Reference<SceneNodeRoot>& root, size_t index)
@@ -154,7 +148,7 @@ TEST(SceneParserOldForms, MeshLights)
 	ASSERT_EQ(model.materials.size(), 1u);
 	EXPECT_EQ(model.materials[0].getPointer(), &material);
 	ASSERT_EQ(model.ies_profiles.size(), 1u);
-	EXPECT_EQ(model.ies_profiles[0]->path, String(dir.file("ies/spot.ies")));
+	EXPECT_EQ(model.ies_profiles[0]->path, String(Velorn::FileUtils::join(dir.path(), "ies/spot.ies")));
 	EXPECT_EQ(model.ies_profiles[0]->material.getPointer(), &material);
 	ASSERT_EQ(model.emission_scales.size(), 1u);
 	EXPECT_EQ(model.emission_scales[0]->value, 25.0);

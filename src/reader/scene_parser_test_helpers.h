@@ -41,4 +41,12 @@ inline std::string putFile(const TempDir& dir, const std::string& name, const st
 inline std::string sceneText(const std::string& children) { return "<scene>\n" + children + "</scene>\n"; }
 inline std::string sceneDataText(const std::string& children) { return "<scenedata>\n" + children + "</scenedata>\n"; }
 
+// The root of main.vls, a scene file of the given children written to dir.
+inline Velorn::Reference<Velorn::SceneNodeRoot> parseScene(
+	const TempDir& dir, const std::string& children, const std::string& settings_override = "")
+{
+	Velorn::SceneParser parser;
+	return parser.parseFile(putFile(dir, "main.vls", sceneText(children)), settings_override);
+}
+
 } // namespace VelornTest

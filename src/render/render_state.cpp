@@ -12,12 +12,12 @@ namespace
 // Commands of the picture viewer's menu, not of the main palette.
 const int32_t PLUGINFLAG_HIDE = 0x20000000;
 
-bool registerCommand(int32_t id, const char* name, const char* help, const char* icon, CommandData* command)
+} // namespace
+
+bool registerRenderCommand(int32_t id, const char* name, const char* help, const char* icon, CommandData* command)
 {
 	return RegisterCommandPlugin(id, String(name), PLUGINFLAG_HIDE, moduleResourceFile(icon), String(help), command);
 }
-
-} // namespace
 
 void RenderState::clear()
 {
@@ -105,19 +105,19 @@ bool VelornMessage::CoreMessage(int32_t, uintptr_t p1, uintptr_t)
 
 bool RegisterResumeRenderingCommand()
 {
-	return registerCommand(ID_RESUME_RENDERING, "Velorn Resume Rendering", "Resume Rendering", "resume.tif",
+	return registerRenderCommand(ID_RESUME_RENDERING, "Velorn Resume Rendering", "Resume Rendering", "resume.tif",
 		new ResumeRenderingCommand());
 }
 
 bool RegisterPauseRenderingCommand()
 {
-	return registerCommand(ID_PAUSE_RENDERING, "Velorn Pause Rendering", "Pause Rendering", "pause.tif",
+	return registerRenderCommand(ID_PAUSE_RENDERING, "Velorn Pause Rendering", "Pause Rendering", "pause.tif",
 		new PauseRenderingCommand());
 }
 
 bool RegisterUpdateImageCommand()
 {
-	return registerCommand(ID_UPDATE_IMAGE, "Velorn Update Image", "Update Image", "convertmats.tif",
+	return registerRenderCommand(ID_UPDATE_IMAGE, "Velorn Update Image", "Update Image", "convertmats.tif",
 		new UpdateImageCommand());
 }
 

@@ -6,8 +6,13 @@
 #include "sdk/renderer.h"
 #include "support/reference.h"
 
+#include <atomic>
 #include <cstdint>
 #include <mutex>
+
+// The change mark of a scene node's flags: set by whoever edits the node
+// during a render (the tone mapping dialog), taken by the render loop.
+const uint32_t NODE_CHANGED = 1u << 1;
 
 // The one place where the in-host render (on the host's render thread) and
 // the commands and dialogs of the main thread meet. lock guards every
@@ -22,7 +27,9 @@ struct RenderState
 	// Set by the update image command, cleared by the render loop.
 	int32_t update_requested = 0;
 	// Set at the start of a render, for the tone mapping dialog to rebuild.
-	int32_t new_render = 0;
+	// The dialog looks at it without the lock first, at every message, so
+	// it is atomic; it is changed under the lock.
+	std::atomic<int32_t> new_render{0};
 	std::mutex lock;
 
 	// Releases the renderer, then the root, and zeroes the flags. The
@@ -66,6 +73,9 @@ class VelornMessage : public MessageData
 public:
 	bool CoreMessage(int32_t id, uintptr_t p1, uintptr_t p2) override;
 };
+
+// Registers a command of the picture viewer's menu.
+bool registerRenderCommand(int32_t id, const char* name, const char* help, const char* icon, CommandData* command);
 
 bool RegisterResumeRenderingCommand();
 bool RegisterPauseRenderingCommand();

@@ -61,6 +61,9 @@ private:
 	struct RenderRun;
 	// The poll loop; false when the renderer reported an error.
 	bool renderLoop(RenderRun& run, VideoPostStruct* vps);
+	// Takes the change marks of the tone mapping and settings nodes and
+	// hands changed values to the tone mapper; true when one was marked.
+	bool takeChangedNodes(RenderRun& run);
 	// Reads the renderer's messages; false, each error posted, when one was
 	// an error.
 	bool drainMessages(RenderRun& run);

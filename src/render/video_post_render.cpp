@@ -33,8 +33,6 @@ const std::chrono::milliseconds poll_period(50);
 // A render data item that the host's renderer would read; cleared before
 // the render, since this video post draws the picture itself.
 const int32_t RDATA_ITEM_CLEARED = 5006;
-// The change mark of a scene node, set by whoever edits it during a render.
-const uint32_t NODE_CHANGED = 1u << 1;
 const float tone_mapping_gamma = 2.2f;
 
 // Samples per pixel as the status bar shows them: one digit after the point.
@@ -238,10 +236,8 @@ int32_t VelornVideoPost::render(BaseVideoPost* node, VideoPostStruct* vps)
 	{
 		std::lock_guard<std::mutex> guard(state.lock);
 		state.renderer = run.renderer;
-		state.root = scene_root;
 		state.paused = 0;
 		state.update_requested = 0;
-		state.new_render = 1;
 	}
 	run.render_buffer = new Velorn::RenderBuffer(*scene_root);
 	run.bytes = new Velorn::UInt8Buffer();
@@ -281,6 +277,14 @@ int32_t VelornVideoPost::render(BaseVideoPost* node, VideoPostStruct* vps)
 	else
 	{
 		run.renderer->startRendering();
+		// The scene goes to the tone mapping dialog only now: until the
+		// renderer has built its own copy, this thread reads every node,
+		// and the dialog must not write them meanwhile.
+		{
+			std::lock_guard<std::mutex> guard(state.lock);
+			state.root = scene_root;
+			state.new_render = 1;
+		}
 		tonemap_period = 2.0;
 		const auto& rs = static_cast<const Velorn::SceneNodeRenderSettings&>(*scene_root->getRenderSettingsNode());
 		halt_time = rs.getDouble("halt_time");
@@ -292,6 +296,9 @@ int32_t VelornVideoPost::render(BaseVideoPost* node, VideoPostStruct* vps)
 			error = preview_failed = true;
 		else if(!error)
 		{
+			// A change made while the render came to its halt still reaches
+			// the final picture.
+			takeChangedNodes(run);
 			setProgress(1.0);
 			StatusSetText(String("Final tonemapping..."));
 			run.tone_mapper->update();
@@ -330,25 +337,7 @@ bool VelornVideoPost::renderLoop(RenderRun& run, VideoPostStruct* vps)
 		if(!drainMessages(run))
 			return false;
 
-		bool changed = false;
-		const Velorn::Reference<Velorn::SceneNode> tone_node = scene_root->getToneMappingNode();
-		const Velorn::Reference<Velorn::SceneNode> settings_node = scene_root->getRenderSettingsNode();
-		if(tone_node.nonNull() && settings_node.nonNull())
-		{
-			// Read and cleared without a lock: a mark seen late only delays
-			// one picture.
-			const bool tone_changed = tone_node->testFlags(NODE_CHANGED);
-			const bool settings_changed = settings_node->testFlags(NODE_CHANGED);
-			if(tone_changed)
-				tone_node->setFlags(0);
-			if(settings_changed)
-				settings_node->setFlags(0);
-			if(tone_changed || settings_changed)
-			{
-				run.tone_mapper->setParameters(tone_node, settings_node, scene_root->getCameraNode());
-				changed = true;
-			}
-		}
+		bool changed = takeChangedNodes(run);
 
 		double elapsed = run.renderer->getElapsedTime();
 		if(interactive)
@@ -414,6 +403,29 @@ bool VelornVideoPost::renderLoop(RenderRun& run, VideoPostStruct* vps)
 		else
 			sleepOneRound();
 	}
+	return true;
+}
+
+bool VelornVideoPost::takeChangedNodes(RenderRun& run)
+{
+	const Velorn::Reference<Velorn::SceneNode> tone_node = scene_root->getToneMappingNode();
+	const Velorn::Reference<Velorn::SceneNode> settings_node = scene_root->getRenderSettingsNode();
+	if(tone_node.isNull() || settings_node.isNull())
+		return false;
+	// The tone mapping dialog writes these nodes on the main thread under
+	// the render state's lock; the marks and the values are read under it
+	// too. The tone mapper copies the values, so the lock is held briefly.
+	RenderState& state = renderState();
+	std::lock_guard<std::mutex> guard(state.lock);
+	const bool tone_changed = tone_node->testFlags(NODE_CHANGED);
+	const bool settings_changed = settings_node->testFlags(NODE_CHANGED);
+	if(tone_changed)
+		tone_node->setFlags(0);
+	if(settings_changed)
+		settings_node->setFlags(0);
+	if(!tone_changed && !settings_changed)
+		return false;
+	run.tone_mapper->setParameters(tone_node, settings_node, scene_root->getCameraNode());
 	return true;
 }
 

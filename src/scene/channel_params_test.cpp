@@ -1,4 +1,5 @@
 #include "scene/channel_params.h"
+#include "scene/geometry_test_helpers.h"
 #include "scene/rotation.h"
 #include "scene/shader_info.h"
 #include "scene/tex_coord_generator.h"
@@ -9,6 +10,7 @@
 #include <cmath>
 
 using namespace Velorn;
+using VelornTest::pathsOf;
 
 namespace
 {
@@ -31,14 +33,6 @@ std::string textOf(const Value& value)
 	WriteContext context;
 	value.writeXML(stream, 0, context);
 	return stream.str();
-}
-
-std::vector<std::string> pathsOf(const VisitOperation& op)
-{
-	std::vector<std::string> paths;
-	for(const String& path : op.dependency_paths)
-		paths.push_back(path.str());
-	return paths;
 }
 
 } // namespace
@@ -91,15 +85,8 @@ TEST(ShaderInfo, AMissingMappingFailsWithThePath)
 	Reference<ShaderInfo> info = programWithFiles("lib/noise.vsl", "tex/a.png");
 	VisitOperation update(VisitOperation::UpdatePaths, "", "");
 	update.path_map.insert("lib/noise.vsl", "copy/noise.vsl");
-	try
-	{
-		info->doVisit(update);
-		FAIL() << "no failure";
-	}
-	catch(const VelornException& e)
-	{
-		EXPECT_EQ(e.what(), "While updating dependencies: Missing mapping for old path 'tex/a.png'.");
-	}
+	EXPECT_EQ(VelornTest::failureOf<VelornException>([&] { info->doVisit(update); }),
+		"While updating dependencies: Missing mapping for old path 'tex/a.png'.");
 }
 
 TEST(ShaderParam, DefinitionsInTheShaderLanguage)
@@ -131,17 +118,8 @@ TEST(ShaderParam, ABadNameFailsOnlyWhenTheDefinitionIsAsked)
 		BufferOStream stream;
 		param.writeXML(stream, 0);
 		EXPECT_NE(stream.str().find("<real>"), std::string::npos);
-		try
-		{
-			param.getShaderDefinition();
-			FAIL() << "no failure";
-		}
-		catch(const VelornException& e)
-		{
-			const std::string expected =
-				"Invalid character in shader parameter name: Only alphanumeric and underscore allowed: '" + std::string(bad_name) + "'";
-			EXPECT_EQ(e.what(), expected);
-		}
+		EXPECT_EQ(VelornTest::failureOf<VelornException>([&] { param.getShaderDefinition(); }),
+			"Invalid character in shader parameter name: Only alphanumeric and underscore allowed: '" + std::string(bad_name) + "'");
 	}
 }
 

@@ -20,6 +20,9 @@
 
 using namespace Velorn;
 using VelornTest::classAndFailureOf;
+using VelornTest::expectBounds;
+using VelornTest::expectRunningNames;
+using VelornTest::expectUnfinishedCloneAndEquality;
 using VelornTest::materialNode;
 using VelornTest::texturedNode;
 using VelornTest::valuesOf;
@@ -27,44 +30,6 @@ using VelornTest::visitNode;
 
 namespace
 {
-
-// Two nodes made one after the other are named prefix and a number, the
-// second one more than the first.
-template <class Node>
-void expectRunningNames(const std::string& prefix)
-{
-	Node first, second;
-	const std::string name = first.getName().str();
-	ASSERT_EQ(name.compare(0, prefix.size(), prefix), 0) << name;
-	const std::string number = name.substr(prefix.size());
-	ASSERT_FALSE(number.empty());
-	EXPECT_EQ(number.find_first_not_of("0123456789"), std::string::npos) << name;
-	EXPECT_EQ(second.getName().str(), prefix + std::to_string(std::stoul(number) + 1));
-}
-
-// For a node whose clone and doIsEqual are unfinished: clone prints its
-// line and gives null; doIsEqual prints its reminder when the base fields
-// are equal and answers true, and answers false at once otherwise.
-template <class Node>
-void expectUnfinishedCloneAndEquality(const std::string& clone_line, const std::string& equality_line)
-{
-	Reference<Node> node(new Node());
-	node->uid = UID(5);
-	node->setName("Same");
-	Reference<Node> other(new Node());
-	other->uid = UID(5);
-	other->setName("Same");
-
-	testing::internal::CaptureStdout();
-	EXPECT_TRUE(node->clone().isNull());
-	EXPECT_EQ(testing::internal::GetCapturedStdout(), clone_line);
-
-	testing::internal::CaptureStdout();
-	EXPECT_TRUE(node->doIsEqual(*other));
-	other->setName("Different");
-	EXPECT_FALSE(node->doIsEqual(*other));
-	EXPECT_EQ(testing::internal::GetCapturedStdout(), equality_line);
-}
 
 // A root with the materials Rubber (3) and Moss (4), a medium (6), a mesh
 // node (7) and a parametric surface (8).
@@ -96,15 +61,6 @@ struct GeometryScene
 
 	Reference<SceneNodeRoot> root = new SceneNodeRoot();
 };
-
-void expectBounds(const VisitOperation& op, const float (&min)[3], const float (&max)[3])
-{
-	for(int i = 0; i < 3; ++i)
-	{
-		EXPECT_NEAR(op.bounds_min[i], min[i], 1e-5) << "axis " << i;
-		EXPECT_NEAR(op.bounds_max[i], max[i], 1e-5) << "axis " << i;
-	}
-}
 
 } // namespace
 

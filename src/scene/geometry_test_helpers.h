@@ -87,6 +87,12 @@ inline std::string sampleMeshFileBytes()
 	return b.bytes();
 }
 
+// A diffuse material node without textures.
+inline Velorn::Reference<Velorn::SceneNodeMaterial> plainNode(const char* name, uint32_t uid)
+{
+	return materialNode(new Velorn::DiffuseMaterial(), name, uid);
+}
+
 // A diffuse material node whose one texture is the given file.
 inline Velorn::Reference<Velorn::SceneNodeMaterial> texturedNode(const char* name, uint32_t uid, const char* texture_path)
 {
@@ -125,6 +131,15 @@ inline std::string classAndFailureOf(const std::function<void()>& f)
 	return "(no failure)";
 }
 
+// The dependency paths a walk gathered, for comparing with a literal list.
+inline std::vector<std::string> pathsOf(const Velorn::VisitOperation& op)
+{
+	std::vector<std::string> paths;
+	for(const Velorn::String& path : op.dependency_paths)
+		paths.push_back(path.str());
+	return paths;
+}
+
 // One walk of the given type over the node alone, as the tree would hand it.
 inline Velorn::VisitOperation visitNode(Velorn::SceneNode& node, Velorn::VisitOperation::Type type, uint32_t uid_offset = 0)
 {
@@ -132,6 +147,86 @@ inline Velorn::VisitOperation visitNode(Velorn::SceneNode& node, Velorn::VisitOp
 	op.uid_offset = uid_offset;
 	node.doVisit(op);
 	return op;
+}
+
+// Expects the box a bounds walk gathered, within float rounding.
+inline void expectBounds(const Velorn::VisitOperation& op, const float (&min)[3], const float (&max)[3])
+{
+	for(int i = 0; i < 3; ++i)
+	{
+		EXPECT_NEAR(op.bounds_min[i], min[i], 1e-5) << "axis " << i;
+		EXPECT_NEAR(op.bounds_max[i], max[i], 1e-5) << "axis " << i;
+	}
+}
+
+// A change to a node, and whether the node still equals an unchanged one.
+template <class Node>
+struct EqualityCase
+{
+	const char* change;
+	std::function<void(Node&)> apply;
+	bool still_equal;
+};
+
+// Expects two nodes from make to be equal, and doIsEqual both ways to give
+// each case's answer once the case has changed one of them. What a node
+// prints while comparing is dropped.
+template <class Node, class Make>
+void expectEqualityCases(Make make, const std::vector<EqualityCase<Node>>& cases)
+{
+	testing::internal::CaptureStdout();
+	EXPECT_TRUE(make()->doIsEqual(*make()));
+	for(const EqualityCase<Node>& c : cases)
+	{
+		SCOPED_TRACE(c.change);
+		const auto reference = make();
+		const auto changed = make();
+		c.apply(*changed);
+		EXPECT_EQ(reference->doIsEqual(*changed), c.still_equal);
+		EXPECT_EQ(changed->doIsEqual(*reference), c.still_equal);
+	}
+	testing::internal::GetCapturedStdout();
+}
+
+// Two nodes made one after the other are named prefix and a number, the
+// second one more than the first.
+template <class Node>
+inline void expectRunningNames(const std::string& prefix)
+{
+	Node first, second;
+	const std::string name = first.getName().str();
+	ASSERT_EQ(name.compare(0, prefix.size(), prefix), 0) << name;
+	const std::string number = name.substr(prefix.size());
+	ASSERT_FALSE(number.empty());
+	EXPECT_EQ(number.find_first_not_of("0123456789"), std::string::npos) << name;
+	EXPECT_EQ(second.getName().str(), prefix + std::to_string(std::stoul(number) + 1));
+}
+
+// For a node whose clone and doIsEqual are unfinished: clone prints its
+// line and gives null; doIsEqual prints its reminder when the base fields
+// are equal and answers true whatever else vary changes, and answers false
+// at once otherwise.
+template <class Node>
+inline void expectUnfinishedCloneAndEquality(const std::string& clone_line, const std::string& equality_line,
+	const std::function<void(Node&)>& vary = [](Node&) {})
+{
+	Velorn::Reference<Node> node(new Node());
+	node->uid = Velorn::UID(5);
+	node->setName("Same");
+	Velorn::Reference<Node> other(new Node());
+	other->uid = Velorn::UID(5);
+	other->setName("Same");
+	vary(*other);
+
+	testing::internal::CaptureStdout();
+	EXPECT_TRUE(node->clone().isNull());
+	EXPECT_EQ(testing::internal::GetCapturedStdout(), clone_line);
+
+	testing::internal::CaptureStdout();
+	EXPECT_TRUE(node->doIsEqual(*other));
+	other->setName("Different");
+	EXPECT_FALSE(node->doIsEqual(*other));
+	EXPECT_EQ(testing::internal::GetCapturedStdout(), equality_line);
 }
 
 } // namespace VelornTest

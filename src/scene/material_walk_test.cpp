@@ -1,3 +1,4 @@
+#include "scene/geometry_test_helpers.h"
 #include "scene/material_test_helpers.h"
 #include "scene/materials_basic.h"
 #include "scene/materials_composite.h"
@@ -11,6 +12,7 @@
 #include <vector>
 
 using namespace Velorn;
+using VelornTest::pathsOf;
 using VelornTest::SceneBuilder;
 
 namespace
@@ -93,14 +95,6 @@ std::string bindFailure(Material* material, const Vector<UID>& scatter_uids = Ve
 	scene.add(material, "Grass", 1);
 	scene.node(1)->scatter_uids = scatter_uids;
 	return VelornTest::failureOf<VelornException>([&] { scene.walk(VisitOperation::Bind); });
-}
-
-std::vector<std::string> pathsOf(const VisitOperation& op)
-{
-	std::vector<std::string> paths;
-	for(const String& path : op.dependency_paths)
-		paths.push_back(path.str());
-	return paths;
 }
 
 Reference<ShaderInfo> programUsing(const char* include, const char* texture_path)

@@ -1,3 +1,4 @@
+#include "scene/geometry_test_helpers.h"
 #include "scene/scene_node_render_settings.h"
 #include "support/exceptions.h"
 
@@ -7,23 +8,10 @@
 #include <string>
 
 using namespace Velorn;
+using VelornTest::expectVelornError;
 
 namespace
 {
-
-// Runs f and checks that it fails with exactly the given message.
-void expectFailure(const std::function<void()>& f, const std::string& message)
-{
-	try
-	{
-		f();
-		ADD_FAILURE() << "no failure; expected: " << message;
-	}
-	catch(const VelornException& e)
-	{
-		EXPECT_EQ(e.what(), message);
-	}
-}
 
 Reference<SceneNodeRenderSettings> emptySettings() { return Reference<SceneNodeRenderSettings>(new SceneNodeRenderSettings()); }
 
@@ -53,12 +41,12 @@ TEST(RenderSettings, ValuesAreReadByTheKindTheyHold)
 	EXPECT_EQ(s->getInt("dithering"), 3);
 	EXPECT_EQ(s->settings.size(), 4u);
 
-	expectFailure([&] { s->getBool("dithering"); }, "Tried to read setting as a bool that was of different type: 'dithering'");
-	expectFailure([&] { s->getInt("metropolis"); }, "Tried to read setting as an int that was of different type: 'metropolis'");
+	expectVelornError([&] { s->getBool("dithering"); }, "Tried to read setting as a bool that was of different type: 'dithering'");
+	expectVelornError([&] { s->getInt("metropolis"); }, "Tried to read setting as an int that was of different type: 'metropolis'");
 	// No conversion, not even from int to double.
-	expectFailure([&] { SceneNodeRenderSettings::getDefaults()->getDouble("width"); },
+	expectVelornError([&] { SceneNodeRenderSettings::getDefaults()->getDouble("width"); },
 		"Tried to read setting as a double that was of different type: 'width'");
-	expectFailure([&] { s->getDouble("missing_key"); }, "Tried to read missing setting 'missing_key'");
+	expectVelornError([&] { s->getDouble("missing_key"); }, "Tried to read missing setting 'missing_key'");
 }
 
 TEST(RenderSettings, ValueTextsAndFilterKinds)
@@ -209,7 +197,7 @@ TEST(RenderSettings, WhitePointsOfTheStandardIlluminants)
 	{
 		SCOPED_TRACE(name);
 		double x = 0, y = 0;
-		expectFailure([&] { SceneNodeRenderSettings::whitePointForName(name, x, y); },
+		expectVelornError([&] { SceneNodeRenderSettings::whitePointForName(name, x, y); },
 			std::string("'") + name + "' is not a valid value for white_balance.  (must be one of D50, D55, F2 etc..)");
 	}
 }
@@ -248,13 +236,10 @@ TEST(RenderSettings, WalksOffsetOnlyTheUIDAndEqualityLooksAtBaseFields)
 {
 	Reference<SceneNodeRenderSettings> s = SceneNodeRenderSettings::getDefaults();
 	s->uid = UID(3);
-	VisitOperation offset;
-	offset.type = VisitOperation::OffsetUIDs;
-	offset.uid_offset = 10;
-	s->doVisit(offset);
+	VelornTest::visitNode(*s, VisitOperation::OffsetUIDs, 10);
 	EXPECT_EQ(s->uid, UID(13));
 	Reference<SceneNodeRenderSettings> unnumbered = emptySettings();
-	unnumbered->doVisit(offset);
+	VelornTest::visitNode(*unnumbered, VisitOperation::OffsetUIDs, 10);
 	EXPECT_FALSE(unnumbered->uid.valid());
 
 	// Only the base fields count, whatever the settings hold.

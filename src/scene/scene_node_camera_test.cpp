@@ -1,6 +1,6 @@
+#include "scene/geometry_test_helpers.h"
 #include "scene/scene_node_camera.h"
 #include "scene/scene_node_tonemapping.h"
-#include "support/exceptions.h"
 
 #include <gtest/gtest.h>
 
@@ -8,19 +8,17 @@
 #include <functional>
 
 using namespace Velorn;
+using VelornTest::classAndFailureOf;
+using VelornTest::expectBounds;
 
 namespace
 {
 
 Reference<SceneNodeCamera> camera() { return Reference<SceneNodeCamera>(new SceneNodeCamera()); }
 
-VisitOperation visit(SceneNodeCamera& cam, VisitOperation::Type type)
+Vector<String> dependenciesOf(SceneNodeCamera& cam)
 {
-	VisitOperation op;
-	op.type = type;
-	op.uid_offset = 100;
-	cam.doVisit(op);
-	return op;
+	return VelornTest::visitNode(cam, VisitOperation::GetDependencies).dependency_paths;
 }
 
 } // namespace
@@ -28,16 +26,15 @@ VisitOperation visit(SceneNodeCamera& cam, VisitOperation::Type type)
 TEST(Camera, DependsOnItsObstacleMapAndApertureImage)
 {
 	Reference<SceneNodeCamera> cam = camera();
-	EXPECT_TRUE(visit(*cam, VisitOperation::GetDependencies).dependency_paths.empty());
+	EXPECT_TRUE(dependenciesOf(*cam).empty());
 
 	cam->aperture_shape = new ApertureGenerated(6, 0.1, 0.5, 0);
 	cam->obstacle_map_path = "maps/dust.png";
-	EXPECT_EQ(visit(*cam, VisitOperation::GetDependencies).dependency_paths, Vector<String>({"maps/dust.png"}));
+	EXPECT_EQ(dependenciesOf(*cam), Vector<String>({"maps/dust.png"}));
 
 	Reference<ApertureImage> image(new ApertureImage("apertures/hex.png"));
 	cam->aperture_shape = image;
-	EXPECT_EQ(visit(*cam, VisitOperation::GetDependencies).dependency_paths,
-		Vector<String>({"maps/dust.png", "apertures/hex.png"}));
+	EXPECT_EQ(dependenciesOf(*cam), Vector<String>({"maps/dust.png", "apertures/hex.png"}));
 
 	VisitOperation update;
 	update.type = VisitOperation::UpdatePaths;
@@ -51,58 +48,34 @@ TEST(Camera, DependsOnItsObstacleMapAndApertureImage)
 	// without a mapping fails.
 	cam->obstacle_map_path = "";
 	image->path = "elsewhere.png";
-	EXPECT_EQ(visit(*cam, VisitOperation::GetDependencies).dependency_paths, Vector<String>({"elsewhere.png"}));
-	try
-	{
-		cam->doVisit(update);
-		ADD_FAILURE() << "a path without mapping was accepted";
-	}
-	catch(const VelornException& e)
-	{
-		EXPECT_EQ(e.what(), "While updating dependencies: Missing mapping for old path 'elsewhere.png'.");
-	}
+	EXPECT_EQ(dependenciesOf(*cam), Vector<String>({"elsewhere.png"}));
+	EXPECT_EQ(classAndFailureOf([&] { cam->doVisit(update); }),
+		"VelornException: While updating dependencies: Missing mapping for old path 'elsewhere.png'.");
 }
 
 TEST(Camera, BoundsAreTheApertureCubeAlongTheKeyframesAndOffsetsOnlyTheUID)
 {
 	Reference<SceneNodeCamera> cam = camera();
 	cam->aperture_radius = 0.5;
-	VisitOperation at_origin = visit(*cam, VisitOperation::GetBounds);
-	for(int i = 0; i < 3; ++i)
-	{
-		EXPECT_EQ(at_origin.bounds_min[i], -0.5f);
-		EXPECT_EQ(at_origin.bounds_max[i], 0.5f);
-	}
+	expectBounds(VelornTest::visitNode(*cam, VisitOperation::GetBounds), {-0.5f, -0.5f, -0.5f}, {0.5f, 0.5f, 0.5f});
 
 	// The second keyframe turns the cube by 45 degrees about z, so its
 	// corners reach half a diagonal out in x and y.
 	const float half_diagonal = (float)(0.5 * std::sqrt(2.0));
 	cam->keyframes.push_back(KeyFrame{Vec3d(10, 0, 0), 0, Vec3d(0, 0, 1), 0});
 	cam->keyframes.push_back(KeyFrame{Vec3d(0, 5, 2), 1, Vec3d(0, 0, 2), std::atan(1.0)});
-	VisitOperation moving = visit(*cam, VisitOperation::GetBounds);
-	const float expected_min[3] = {-half_diagonal, -0.5f, -0.5f};
-	const float expected_max[3] = {10.5f, 5 + half_diagonal, 2.5f};
-	for(int i = 0; i < 3; ++i)
-	{
-		EXPECT_NEAR(moving.bounds_min[i], expected_min[i], 1e-5);
-		EXPECT_NEAR(moving.bounds_max[i], expected_max[i], 1e-5);
-	}
+	expectBounds(VelornTest::visitNode(*cam, VisitOperation::GetBounds), {-half_diagonal, -0.5f, -0.5f},
+		{10.5f, 5 + half_diagonal, 2.5f});
 
 	cam->uid = UID(4);
-	visit(*cam, VisitOperation::Bind);
-	visit(*cam, VisitOperation::OffsetUIDs);
+	VelornTest::visitNode(*cam, VisitOperation::Bind);
+	VelornTest::visitNode(*cam, VisitOperation::OffsetUIDs, 100);
 	EXPECT_EQ(cam->uid, UID(104));
 }
 
 TEST(Camera, EqualityComparesLensExposureAndDirections)
 {
-	struct Case
-	{
-		const char* change;
-		std::function<void(SceneNodeCamera&)> apply;
-		bool still_equal;
-	};
-	const Case cases[] = {
+	VelornTest::expectEqualityCases<SceneNodeCamera>(camera, {
 		{"aperture_radius", [](SceneNodeCamera& c) { c.aperture_radius = 0.002; }, false},
 		{"focus_distance", [](SceneNodeCamera& c) { c.focus_distance = 2; }, false},
 		{"sensor_width", [](SceneNodeCamera& c) { c.sensor_width = 0.024; }, false},
@@ -119,15 +92,7 @@ TEST(Camera, EqualityComparesLensExposureAndDirections)
 		{"aperture_shape", [](SceneNodeCamera& c) { c.aperture_shape = new ApertureImage("a.png"); }, true},
 		{"keyframes", [](SceneNodeCamera& c) { c.keyframes.push_back(KeyFrame()); }, true},
 		{"camera_type", [](SceneNodeCamera& c) { c.camera_type = SceneNodeCamera::Spherical; }, true},
-	};
-	for(const Case& c : cases)
-	{
-		SCOPED_TRACE(c.change);
-		Reference<SceneNodeCamera> changed = camera();
-		c.apply(*changed);
-		EXPECT_EQ(camera()->doIsEqual(*changed), c.still_equal);
-		EXPECT_EQ(changed->doIsEqual(*camera()), c.still_equal);
-	}
+	});
 
 	// A node of another type with the same UID and name is no camera.
 	Reference<SceneNodeTonemapping> other(new SceneNodeTonemapping());

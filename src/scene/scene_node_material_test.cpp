@@ -1,3 +1,4 @@
+#include "scene/geometry_test_helpers.h"
 #include "scene/material_test_helpers.h"
 #include "scene/materials_basic.h"
 #include "scene/materials_composite.h"
@@ -13,17 +14,10 @@ using namespace Velorn;
 using VelornTest::materialNode;
 using VelornTest::mediumNode;
 using VelornTest::textOf;
+using VelornTest::valuesOf;
 
 namespace
 {
-
-std::vector<uint32_t> valuesOf(const Vector<UID>& uids)
-{
-	std::vector<uint32_t> values;
-	for(const UID& uid : uids)
-		values.push_back(uid.value());
-	return values;
-}
 
 Reference<SceneNodeMaterial> diffuseNode(const char* name, uint32_t uid, unsigned layer = 0)
 {
@@ -68,15 +62,7 @@ bool contains(const std::string& text, const std::string& part) { return text.fi
 
 std::string writeFailure(const SceneNode& node)
 {
-	try
-	{
-		textOf(node);
-	}
-	catch(const VelornException& e)
-	{
-		return e.what();
-	}
-	return "(no failure)";
+	return VelornTest::failureOf<VelornException>([&] { textOf(node); });
 }
 
 } // namespace

@@ -14,14 +14,14 @@
 
 using namespace Velorn;
 using VelornTest::classAndFailureOf;
+using VelornTest::expectBounds;
 using VelornTest::materialNode;
+using VelornTest::plainNode;
 using VelornTest::valuesOf;
 using VelornTest::visitNode;
 
 namespace
 {
-
-Reference<SceneNodeMaterial> plainNode(const char* name, uint32_t uid) { return materialNode(new DiffuseMaterial(), name, uid); }
 
 // Three triangles over one set of vertices, of the materials "Glass",
 // "Metal" and "Paint" at indices 0, 1 and 2.
@@ -438,13 +438,7 @@ TEST(ModelClone, CopiesPathRotationAndOverridesButSharesNodes)
 
 TEST(ModelEquality, ComparesGeometryScalePathAndMaterials)
 {
-	struct Case
-	{
-		const char* change;
-		std::function<void(SceneNodeModel&)> apply;
-		bool still_equal;
-	};
-	const Case cases[] = {
+	const std::vector<VelornTest::EqualityCase<SceneNodeModel>> cases = {
 		{"name", [](SceneNodeModel& m) { m.setName("Other"); }, false},
 		{"uid", [](SceneNodeModel& m) { m.uid = UID(21); }, false},
 		{"scale", [](SceneNodeModel& m) { m.scale = 2; }, false},
@@ -477,19 +471,7 @@ TEST(ModelEquality, ComparesGeometryScalePathAndMaterials)
 		return m;
 	};
 	LampScene scene;
-	for(const Case& c : cases)
-	{
-		SCOPED_TRACE(c.change);
-		Reference<SceneNodeModel> reference = make(scene);
-		Reference<SceneNodeModel> changed = make(scene);
-		c.apply(*changed);
-		testing::internal::CaptureStdout();
-		const bool forwards = reference->doIsEqual(*changed);
-		const bool backwards = changed->doIsEqual(*reference);
-		testing::internal::GetCapturedStdout();
-		EXPECT_EQ(forwards, c.still_equal);
-		EXPECT_EQ(backwards, c.still_equal);
-	}
+	VelornTest::expectEqualityCases([&] { return make(scene); }, cases);
 
 	// A mesh node of the same name and UID is no model.
 	Reference<SceneNodeModel> model = make(scene);
@@ -535,22 +517,12 @@ TEST(ModelBounds, TheMeshBoxGoesThroughScaleRotationAndKeyframes)
 	{
 		SCOPED_TRACE(c.what);
 		model.keyframes = c.keyframes;
-		VisitOperation op = visitNode(model, VisitOperation::GetBounds);
-		for(int i = 0; i < 3; ++i)
-		{
-			EXPECT_NEAR(op.bounds_min[i], c.min[i], 1e-5);
-			EXPECT_NEAR(op.bounds_max[i], c.max[i], 1e-5);
-		}
+		expectBounds(visitNode(model, VisitOperation::GetBounds), c.min, c.max);
 	}
 
 	// A parametric surface has an empty box at the origin.
 	model.setGeometry(new SceneNodeParametricSurface());
-	VisitOperation op = visitNode(model, VisitOperation::GetBounds);
-	for(int i = 0; i < 3; ++i)
-	{
-		EXPECT_EQ(op.bounds_min[i], 0.0f);
-		EXPECT_EQ(op.bounds_max[i], 0.0f);
-	}
+	expectBounds(visitNode(model, VisitOperation::GetBounds), {0, 0, 0}, {0, 0, 0});
 }
 
 // Its expected paths are written with the POSIX separator.

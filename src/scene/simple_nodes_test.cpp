@@ -1,4 +1,5 @@
 // Tone mapping, section plane and parametric surface nodes.
+#include "scene/geometry_test_helpers.h"
 #include "scene/scene_node_parametric_surface.h"
 #include "scene/scene_node_section_plane.h"
 #include "scene/scene_node_tonemapping.h"
@@ -9,19 +10,7 @@
 #include <string>
 
 using namespace Velorn;
-
-namespace
-{
-
-void offset(SceneNode& node, uint32_t by)
-{
-	VisitOperation op;
-	op.type = VisitOperation::OffsetUIDs;
-	op.uid_offset = by;
-	node.doVisit(op);
-}
-
-} // namespace
+using VelornTest::visitNode;
 
 TEST(Tonemapping, ConstructorsChooseTheKindAndEqualityLooksOnlyAtIt)
 {
@@ -78,33 +67,28 @@ TEST(Tonemapping, CloneCopiesEveryKindsValues)
 		copy.downcast<SceneNodeTonemapping>()->tone_mapping_type = kind;
 		EXPECT_EQ(copy->toXMLString().str(), t->toXMLString().str());
 	}
-	offset(*t, 7);
+	visitNode(*t, VisitOperation::OffsetUIDs, 7);
 	EXPECT_EQ(t->uid, UID(12));
 }
 
 TEST(SectionPlane, EqualityComparesEveryField)
 {
-	const std::function<void(SceneNodeSectionPlane&)> changes[] = {
-		[](SceneNodeSectionPlane& p) { p.point = Vec3d(0, 0, 1); },
-		[](SceneNodeSectionPlane& p) { p.normal = Vec3d(1, 0, 0); },
-		[](SceneNodeSectionPlane& p) { p.enabled = false; },
-		[](SceneNodeSectionPlane& p) { p.cull_geometry = false; },
-		[](SceneNodeSectionPlane& p) { p.object_list_type = SceneNodeSectionPlane::Include; },
-		[](SceneNodeSectionPlane& p) { p.object_list[1] = UID(9); },
-		[](SceneNodeSectionPlane& p) { p.object_list.push_back(UID(4)); },
-		[](SceneNodeSectionPlane& p) { p.setName("cut"); },
+	const auto listing = [] {
+		Reference<SceneNodeSectionPlane> plane(new SceneNodeSectionPlane());
+		plane->object_list = {UID(2), UID(3)};
+		return plane;
 	};
-	SceneNodeSectionPlane reference;
-	reference.object_list = {UID(2), UID(3)};
-	for(size_t i = 0; i < sizeof(changes) / sizeof(changes[0]); ++i)
-	{
-		SCOPED_TRACE(i);
-		SceneNodeSectionPlane changed;
-		changed.object_list = {UID(2), UID(3)};
-		EXPECT_TRUE(reference.doIsEqual(changed));
-		changes[i](changed);
-		EXPECT_FALSE(reference.doIsEqual(changed));
-	}
+	VelornTest::expectEqualityCases<SceneNodeSectionPlane>(listing,
+		{
+			{"point", [](SceneNodeSectionPlane& p) { p.point = Vec3d(0, 0, 1); }, false},
+			{"normal", [](SceneNodeSectionPlane& p) { p.normal = Vec3d(1, 0, 0); }, false},
+			{"enabled", [](SceneNodeSectionPlane& p) { p.enabled = false; }, false},
+			{"cull_geometry", [](SceneNodeSectionPlane& p) { p.cull_geometry = false; }, false},
+			{"object_list_type", [](SceneNodeSectionPlane& p) { p.object_list_type = SceneNodeSectionPlane::Include; }, false},
+			{"an object", [](SceneNodeSectionPlane& p) { p.object_list[1] = UID(9); }, false},
+			{"another object", [](SceneNodeSectionPlane& p) { p.object_list.push_back(UID(4)); }, false},
+			{"name", [](SceneNodeSectionPlane& p) { p.setName("cut"); }, false},
+		});
 	// A node of another type with the same empty name and UID is no plane.
 	SceneNodeTonemapping other;
 	other.setName("");
@@ -119,7 +103,7 @@ TEST(SectionPlane, OffsetLeavesTheObjectListAndCloneCopiesIt)
 	plane->cull_geometry = false;
 	plane->object_list_type = SceneNodeSectionPlane::Include;
 	plane->object_list = {UID(2), UID()};
-	offset(*plane, 10);
+	visitNode(*plane, VisitOperation::OffsetUIDs, 10);
 	EXPECT_EQ(plane->uid, UID(11));
 	EXPECT_EQ(plane->object_list, Vector<UID>({UID(2), UID()}));
 
@@ -131,26 +115,13 @@ TEST(SectionPlane, OffsetLeavesTheObjectListAndCloneCopiesIt)
 
 TEST(ParametricSurface, NamesRunAndUnfinishedOperationsSaySo)
 {
+	VelornTest::expectRunningNames<SceneNodeParametricSurface>("ParametricSurface ");
+	VelornTest::expectUnfinishedCloneAndEquality<SceneNodeParametricSurface>(
+		"SceneNodeParametricSurface::clone() not yet implemented", "TODO: IMPLEMENT SceneNodeParametricSurface::doIsEqual()\n",
+		[](SceneNodeParametricSurface& other) { other.num_u = 40; });
+
 	SceneNodeParametricSurface surface;
-	SceneNodeParametricSurface next;
-	const std::string prefix = "ParametricSurface ";
-	const std::string name = surface.getName().str();
-	ASSERT_EQ(name.compare(0, prefix.size(), prefix), 0) << name;
-	EXPECT_EQ(next.getName().str(), prefix + std::to_string(std::stoul(name.substr(prefix.size())) + 1));
-
-	testing::internal::CaptureStdout();
-	EXPECT_TRUE(surface.clone().isNull());
-	EXPECT_EQ(testing::internal::GetCapturedStdout(), "SceneNodeParametricSurface::clone() not yet implemented");
-
-	// Equal base fields print the reminder; differing ones answer at once.
-	next.setName(surface.getName());
-	next.num_u = 40;
-	testing::internal::CaptureStdout();
-	EXPECT_TRUE(surface.doIsEqual(next));
-	next.uid = UID(3);
-	EXPECT_FALSE(surface.doIsEqual(next));
-	EXPECT_EQ(testing::internal::GetCapturedStdout(), "TODO: IMPLEMENT SceneNodeParametricSurface::doIsEqual()\n");
-
-	offset(next, 4);
-	EXPECT_EQ(next.uid, UID(7));
+	surface.uid = UID(3);
+	visitNode(surface, VisitOperation::OffsetUIDs, 4);
+	EXPECT_EQ(surface.uid, UID(7));
 }

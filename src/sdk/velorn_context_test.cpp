@@ -107,6 +107,10 @@ TEST_F(SdkDirectory, AFileThatIsNoLibrary)
 	EXPECT_EQ(load(), VelornContext::LOAD_LIBRARY_REFUSED);
 	EXPECT_NE(error, "");
 	EXPECT_NE(error, "stale");
+#ifdef _WIN32
+	// The system's text for ERROR_BAD_EXE_FORMAT, with its code behind.
+	EXPECT_NE(error.find("(error code=193)"), std::string::npos) << error;
+#endif
 	EXPECT_FALSE(context->isLoaded());
 	EXPECT_EQ(context->module, nullptr);
 	EXPECT_EQ(FakeSdk::calls(), Calls{});

@@ -1,5 +1,7 @@
 #include "shaders/shader_number.h"
 
+#include "support/decimal_comma_locale.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -16,10 +18,13 @@ TEST(ShaderNumber, FixedFiveDecimalsWhateverTheLocale)
 		{0.123454, "0.12345"}, {-9.999996, "-10.00000"}, {0.015625, "0.01562"}, {-1e-7, "-0.00000"},
 		{1e20, "100000000000000000000.00000"}};
 	const std::string saved = std::setlocale(LC_ALL, nullptr);
-	for(const char* locale : {"C", "de_DE.UTF-8"})
+	for(const bool comma : {false, true})
 	{
-		SCOPED_TRACE(locale);
-		ASSERT_NE(std::setlocale(LC_ALL, locale), nullptr) << "scripts/install-deps makes this locale";
+		SCOPED_TRACE(comma ? "decimal comma" : "C");
+		if(comma)
+			ASSERT_NE(VelornTest::useDecimalCommaLocale(), nullptr) << "scripts/install-deps makes de_DE.UTF-8";
+		else
+			ASSERT_NE(std::setlocale(LC_ALL, "C"), nullptr);
 		for(const auto& [value, text] : cases)
 			EXPECT_EQ(shaderNumberText(value), text);
 		// Near-ties at the fifth decimal and the largest double (309 digits)

@@ -49,6 +49,7 @@ Background::Background(const SceneNodeRoot& root, MaterialLibrary& materials)
 void Background::setSunSky(const SunSkyMaterial& sunsky)
 {
 	sun_dir = normalise(V3((float)sunsky.sundir.x, (float)sunsky.sundir.y, (float)sunsky.sundir.z));
+	sun_frame = Frame(sun_dir);
 	sun_layer = (unsigned)std::max(0, sunsky.sun_layer);
 	sky_layer = (unsigned)std::max(0, sunsky.sky_layer);
 	has_sun = true;
@@ -78,7 +79,7 @@ V3 Background::skyRadiance(const V3& dir) const
 		return V3(0);
 	if(dir.z < 0)
 		return ground_radiance;
-	const float t = std::pow(1 - dir.z, 3.0f);
+	const float t = (1 - dir.z) * (1 - dir.z) * (1 - dir.z);
 	const float angle = std::acos(std::fmin(std::fmax(dot(dir, sun_dir), -1.0f), 1.0f));
 	const V3 glow = glow_colour * (0.6f * std::exp(-angle / 0.15f));
 	return (zenith_colour * (1 - t) + horizon_colour * t + glow) * sky_scale;

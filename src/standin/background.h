@@ -38,6 +38,7 @@ public:
 	// The sun, for sampling it from surfaces.
 	bool has_sun = false;
 	V3 sun_dir;
+	Frame sun_frame{V3(0, 0, 1)};  // about sun_dir, for sampling its disc
 	float sun_cos_max = 1;
 	V3 sun_irradiance;  // through a surface facing the sun
 	unsigned sun_layer = 0;

@@ -85,6 +85,93 @@ TEST(Camera, RotationOfTheKeyframeTurnsTheView)
 	expectDirection(camera.generateRay(5, 5, 0, 0).dir, V3(-1, 0, 0));
 }
 
+TEST(Camera, OrthographicRaysRunParallelFromTheSensor)
+{
+	// At (1, 2, 3) looking along +y, right +x, a sensor 4 m wide; the
+	// picture is 40 by 20, so it is 2 m high. Every ray runs along +y
+	// from its film point's place on the sensor.
+	Reference<SceneNodeRoot> root = StandinTest::makeRoot(40, 20, Vec3d(1, 2, 3), Vec3d(0, 1, 0), 4);
+	cameraOf(*root).camera_type = SceneNodeCamera::Orthographic;
+	cameraOf(*root).lens_shift_up_distance = 0.25;
+	const Camera camera(cameraOf(*root), 40, 20);
+	const struct
+	{
+		float x, y;
+		V3 origin;
+	} cases[] = {
+		{20, 10, V3(1, 2, 3.25f)},      // centre, shifted up
+		{30, 5, V3(2, 2, 3.75f)},       // a quarter right and up: 1 m right, 0.5 m up
+		{0, 20, V3(-1, 2, 2.25f)},      // bottom left corner
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(std::to_string(c.x) + ", " + std::to_string(c.y));
+		const Ray ray = camera.generateRay(c.x, c.y, 0.3f, 0.7f);
+		EXPECT_NEAR(ray.origin.x, c.origin.x, 1e-5f);
+		EXPECT_NEAR(ray.origin.y, c.origin.y, 1e-5f);
+		EXPECT_NEAR(ray.origin.z, c.origin.z, 1e-5f);
+		expectDirection(ray.dir, V3(0, 1, 0));
+	}
+}
+
+TEST(Camera, SphericalViewWrapsLongitudeAcrossAndLatitudeDown)
+{
+	// Looking along +y with +z up, right +x: the picture's middle is
+	// forwards, its left and right edges behind, three quarters across is
+	// right, the top edge straight up.
+	Reference<SceneNodeRoot> root = StandinTest::makeRoot(40, 20, Vec3d(1, 2, 3), Vec3d(0, 1, 0));
+	cameraOf(*root).camera_type = SceneNodeCamera::Spherical;
+	const Camera camera(cameraOf(*root), 40, 20);
+	const struct
+	{
+		float x, y;
+		V3 direction;
+	} cases[] = {
+		{20, 10, V3(0, 1, 0)},
+		{30, 10, V3(1, 0, 0)},
+		{10, 10, V3(-1, 0, 0)},
+		{0, 10, V3(0, -1, 0)},
+		{20, 0, V3(0, 0, 1)},
+		{25, 5, V3(0.5f, 0.5f, 0.70710678f)},  // 45 degrees right and 45 up
+		{20, 15, V3(0, 1, -1)},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(std::to_string(c.x) + ", " + std::to_string(c.y));
+		const Ray ray = camera.generateRay(c.x, c.y, 0.3f, 0.7f);
+		EXPECT_NEAR(length(ray.origin - V3(1, 2, 3)), 0, 1e-6f);
+		expectDirection(ray.dir, c.direction);
+	}
+}
+
+TEST(Camera, MovesAlongItsKeyframesWhileTheShutterIsOpen)
+{
+	// From the origin at time 0 to (2, 0, 0) at time 1, turning a quarter
+	// about z on the way: halfway it stands at (1, 0, 0) looking 45 degrees
+	// left of +y.
+	Reference<SceneNodeRoot> root = StandinTest::makeRoot(10, 10, Vec3d(0, 0, 0), Vec3d(0, 1, 0));
+	cameraOf(*root).keyframes.push_back(KeyFrame{Vec3d(2, 0, 0), 1, Vec3d(0, 0, 1), 3.14159265358979 / 2});
+	const Camera camera(cameraOf(*root), 10, 10);
+	EXPECT_TRUE(camera.moves());
+	const struct
+	{
+		float time;
+		V3 origin, direction;
+	} cases[] = {
+		{0, V3(0, 0, 0), V3(0, 1, 0)},
+		{0.5f, V3(1, 0, 0), V3(-1, 1, 0)},
+		{1, V3(2, 0, 0), V3(-1, 0, 0)},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.time);
+		const Ray ray = camera.generateRay(5, 5, 0, 0, c.time);
+		EXPECT_NEAR(length(ray.origin - c.origin), 0, 1e-5f);
+		expectDirection(ray.dir, c.direction);
+		EXPECT_EQ(ray.time, c.time);
+	}
+}
+
 TEST(Camera, ThinLensRaysMeetOnThePlaneOfFocus)
 {
 	Reference<SceneNodeRoot> root = StandinTest::makeRoot(10, 10, Vec3d(0, 0, 0), Vec3d(0, 1, 0));

@@ -43,7 +43,7 @@ void fillImage(Image& out, uint32_t width, uint32_t height, int channels, int bi
 	for(uint32_t y = 0; y < height; ++y)
 		for(uint32_t x = 0; x < width; ++x)
 		{
-			float v[4];
+			float v[4] = {0, 0, 0, 0};
 			for(int c = 0; c < channels && c < 4; ++c)
 			{
 				const size_t i = (size_t)x * channels + c;

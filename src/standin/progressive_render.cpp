@@ -202,7 +202,11 @@ void ProgressiveRender::renderRow(uint32_t y, uint32_t pass, std::vector<std::ve
 		Rng rng(mix(seed ^ mix(((uint64_t)y << 32) | x)), pass);
 		const float film_x = (x + rng.uniform()) / ss - filter_margin;
 		const float film_y = (y + rng.uniform()) / ss - filter_margin;
-		const Ray ray = camera.generateRay(film_x, film_y, rng.uniform(), rng.uniform());
+		const float u1 = rng.uniform(), u2 = rng.uniform();
+		// A time only where something moves, so that still scenes keep
+		// their random numbers.
+		const float time = scene->hasMotion() ? rng.uniform() : 0.0f;
+		const Ray ray = camera.generateRay(film_x, film_y, u1, u2, time);
 		std::fill(sample.begin(), sample.end(), V3(0));
 		bool hit = false;
 		scene->radiance(ray, rng, sample, hit, &counts);

@@ -122,20 +122,6 @@ unsigned threadsFromSettings(const SceneNodeRoot& root)
 	return hardware;
 }
 
-std::vector<double> layerGains(const SceneNodeRoot& root, size_t layer_count)
-{
-	std::vector<double> gains(layer_count, 1.0);
-	const Reference<SceneNode> node = root.getRenderSettingsNode();
-	if(node.nonNull())
-	{
-		const auto& s = static_cast<const SceneNodeRenderSettings&>(*node);
-		for(size_t i = 0; i < layer_count && i < s.layer_settings.size(); ++i)
-			if(s.layer_settings[i].nonNull())
-				gains[i] = s.layer_settings[i]->gain;
-	}
-	return gains;
-}
-
 RenderSession::RenderSession(const Reference<SceneNodeRoot>& root_, const std::string& scene_path,
 	const SessionOptions& options_)
 	: root(root_), options(options_)
@@ -189,9 +175,10 @@ void RenderSession::runWith(void (*callback)(void*, double, double, double), voi
 void RenderSession::writeOutputs() const
 {
 	const TraceSettings& s = scene->getSettings();
-	const std::vector<double> gains = layerGains(*root, buffer->layers.size());
+	const std::vector<LayerWeight> weights =
+		layerWeights(root->getRenderSettingsNode().getPointer(), buffer->layers.size());
 	Image linear;
-	resolveBuffer(*buffer, gains.data(), s.super_sample_factor, linear);
+	resolveBuffer(*buffer, weights.data(), s.super_sample_factor, linear);
 
 	const Reference<SceneNode> tone_node = root->getToneMappingNode();
 	const Reference<SceneNode> settings_node = root->getRenderSettingsNode();

@@ -51,9 +51,6 @@ Reference<SceneNodeRoot> loadScene(const std::string& path);
 // auto_choose_num_threads is set (the hardware's count then).
 unsigned threadsFromSettings(const SceneNodeRoot& root);
 
-// The layer gains of the render settings, one per buffer layer.
-std::vector<double> layerGains(const SceneNodeRoot& root, size_t layer_count);
-
 // Renders a loaded scene until the halt, calling progress(spp, seconds,
 // fraction or -1) about twice a second, then writes the outputs.
 class RenderSession

@@ -358,14 +358,11 @@ void ToneMapperObject::setParameters(const SceneNode* tone_mapping, const SceneN
 		error_out = String("The render buffer does not fit the settings' super_sample_factor.");
 		return;
 	}
-	std::vector<double> new_gains(mb.layers.size(), 1.0);
-	for(size_t i = 0; i < new_gains.size() && i < rs->layer_settings.size(); ++i)
-		if(rs->layer_settings[i].nonNull())
-			new_gains[i] = rs->layer_settings[i]->gain;
+	std::vector<LayerWeight> new_weights = layerWeights(rs, mb.layers.size());
 	std::lock_guard<std::mutex> lock(state_mutex);
 	settings = new_settings;
 	super_sample_factor = new_factor;
-	gains = new_gains;
+	weights = std::move(new_weights);
 	has_parameters = true;
 }
 
@@ -373,20 +370,20 @@ void ToneMapperObject::toneMapNow()
 {
 	ToneMapSettings settings;
 	uint32_t super_sample_factor;
-	std::vector<double> gains;
+	std::vector<LayerWeight> weights;
 	{
 		std::lock_guard<std::mutex> lock(state_mutex);
 		if(!has_parameters)
 			return;
 		settings = this->settings;
 		super_sample_factor = this->super_sample_factor;
-		gains = this->gains;
+		weights = this->weights;
 	}
 	// Read band by band under the buffer's lock, so that the render's
 	// threads, which take it for every row they finish, are held up by one
 	// band at a time and not by the whole pass.
 	Image linear;
-	resolveBuffer(*render_buffer->master_buffer, gains.data(), super_sample_factor, linear, &render_buffer->pixels_mutex);
+	resolveBuffer(*render_buffer->master_buffer, weights.data(), super_sample_factor, linear, &render_buffer->pixels_mutex);
 	if(bytes)
 	{
 		Bitmap bitmap(1, 1, 4);

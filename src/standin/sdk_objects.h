@@ -113,7 +113,7 @@ private:
 	bool has_parameters = false;
 	ToneMapSettings settings;
 	uint32_t super_sample_factor = 1;
-	std::vector<double> gains;
+	std::vector<LayerWeight> weights;
 
 	// Guards the parameters, which the render thread may set while a pass
 	// runs, and the worker's state. A pass copies the parameters at its

@@ -48,9 +48,12 @@ const char* typeName(int dim)
 	return dim == 1 ? "real" : (dim == 2 ? "vec2" : "vec3");
 }
 
-uint32_t hash3(int32_t x, int32_t y, int32_t z)
+// The lattice hash takes each coordinate times its own odd constant, so a
+// cell's eight corners share the six products; mixHash finishes a corner.
+const uint32_t hash_x = 0x8da6b343u, hash_y = 0xd8163841u, hash_z = 0xcb1ab31fu;
+
+uint32_t mixHash(uint32_t h)
 {
-	uint32_t h = (uint32_t)x * 0x8da6b343u ^ (uint32_t)y * 0xd8163841u ^ (uint32_t)z * 0xcb1ab31fu;
 	h ^= h >> 16;
 	h *= 0x7feb352du;
 	h ^= h >> 15;
@@ -65,9 +68,9 @@ const float gradients[12][3] = {{1, 1, 0}, {1, -1, 0}, {-1, 1, 0}, {-1, -1, 0}, 
 
 // The dot product of the offset with the gradient that the lattice point's
 // hash picks.
-float lattice(int32_t x, int32_t y, int32_t z, float dx, float dy, float dz)
+float lattice(uint32_t hash, float dx, float dy, float dz)
 {
-	const float* g = gradients[hash3(x, y, z) % 12];
+	const float* g = gradients[mixHash(hash) % 12];
 	return g[0] * dx + g[1] * dy + g[2] * dz;
 }
 
@@ -82,11 +85,14 @@ float gradientNoise(const V3& p)
 	const int32_t x = (int32_t)fx, y = (int32_t)fy, z = (int32_t)fz;
 	const float dx = p.x - fx, dy = p.y - fy, dz = p.z - fz;
 	const float u = fade(dx), v = fade(dy), w = fade(dz);
+	const uint32_t hx[2] = {(uint32_t)x * hash_x, (uint32_t)(x + 1) * hash_x};
+	const uint32_t hy[2] = {(uint32_t)y * hash_y, (uint32_t)(y + 1) * hash_y};
+	const uint32_t hz[2] = {(uint32_t)z * hash_z, (uint32_t)(z + 1) * hash_z};
 	float corners[2][2][2];
 	for(int i = 0; i < 2; ++i)
 		for(int j = 0; j < 2; ++j)
 			for(int k = 0; k < 2; ++k)
-				corners[i][j][k] = lattice(x + i, y + j, z + k, dx - i, dy - j, dz - k);
+				corners[i][j][k] = lattice(hx[i] ^ hy[j] ^ hz[k], dx - i, dy - j, dz - k);
 	const float x00 = mixf(corners[0][0][0], corners[1][0][0], u), x10 = mixf(corners[0][1][0], corners[1][1][0], u);
 	const float x01 = mixf(corners[0][0][1], corners[1][0][1], u), x11 = mixf(corners[0][1][1], corners[1][1][1], u);
 	return mixf(mixf(x00, x10, v), mixf(x01, x11, v), w);

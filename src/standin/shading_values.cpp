@@ -163,6 +163,28 @@ std::shared_ptr<const ShaderProgram> ChannelReader::program(const ShaderInfo* in
 	}
 }
 
+template <class TextureForm, class ShaderForm, class Param, class Value>
+bool ChannelReader::readVarying(const Param* param, Value& value)
+{
+	if(auto* texture = dynamic_cast<const TextureForm*>(param))
+	{
+		value.has_texture = true;
+		value.texture = textureAt(texture->texture_index);
+	}
+	else if(auto* shader = dynamic_cast<const ShaderForm*>(param))
+		value.shader = program(shader->shader_info.getPointer());
+	else
+		return false;
+	reads_coordinates = true;
+	return true;
+}
+
+void ChannelReader::unknownForm(bool present)
+{
+	if(present)
+		shader_errors.push_back("a channel of an unknown form");
+}
+
 ColourValue ChannelReader::colour(const Reference<WavelengthDependentParam>& param, const V3& fallback)
 {
 	ColourValue value;
@@ -172,19 +194,8 @@ ColourValue ChannelReader::colour(const Reference<WavelengthDependentParam>& par
 		if(constant->spectrum.nonNull())
 			value.constant = spectrumToRGB(*constant->spectrum);
 	}
-	else if(auto* texture = dynamic_cast<TextureWavelengthDependentParam*>(param.getPointer()))
-	{
-		value.has_texture = true;
-		reads_coordinates = true;
-		value.texture = textureAt(texture->texture_index);
-	}
-	else if(auto* shader = dynamic_cast<ShaderWavelengthDependentParam*>(param.getPointer()))
-	{
-		value.shader = program(shader->shader_info.getPointer());
-		reads_coordinates = true;
-	}
-	else if(param.nonNull())
-		shader_errors.push_back("a channel of an unknown form");
+	else if(!readVarying<TextureWavelengthDependentParam, ShaderWavelengthDependentParam>(param.getPointer(), value))
+		unknownForm(param.nonNull());
 	return value;
 }
 
@@ -194,19 +205,8 @@ ScalarValue ChannelReader::scalar(const Reference<WavelengthIndependentParam>& p
 	value.constant = fallback;
 	if(auto* constant = dynamic_cast<ConstantWavelengthIndependentParam*>(param.getPointer()))
 		value.constant = (float)constant->value;
-	else if(auto* texture = dynamic_cast<TextureWavelengthIndependentParam*>(param.getPointer()))
-	{
-		value.has_texture = true;
-		reads_coordinates = true;
-		value.texture = textureAt(texture->texture_index);
-	}
-	else if(auto* shader = dynamic_cast<ShaderWavelengthIndependentParam*>(param.getPointer()))
-	{
-		value.shader = program(shader->shader_info.getPointer());
-		reads_coordinates = true;
-	}
-	else if(param.nonNull())
-		shader_errors.push_back("a channel of an unknown form");
+	else if(!readVarying<TextureWavelengthIndependentParam, ShaderWavelengthIndependentParam>(param.getPointer(), value))
+		unknownForm(param.nonNull());
 	return value;
 }
 
@@ -216,19 +216,17 @@ ScalarValue ChannelReader::scalar(const Reference<DisplacementParam>& param, flo
 	value.constant = fallback;
 	if(auto* constant = dynamic_cast<ConstantDisplacementParam*>(param.getPointer()))
 		value.constant = (float)constant->value;
-	else if(auto* texture = dynamic_cast<TextureDisplacementParam*>(param.getPointer()))
-	{
-		value.has_texture = true;
-		reads_coordinates = true;
-		value.texture = textureAt(texture->texture_index);
-	}
-	else if(auto* shader = dynamic_cast<ShaderDisplacementParam*>(param.getPointer()))
-	{
-		value.shader = program(shader->shader_info.getPointer());
-		reads_coordinates = true;
-	}
-	else if(param.nonNull())
-		shader_errors.push_back("a channel of an unknown form");
+	else if(!readVarying<TextureDisplacementParam, ShaderDisplacementParam>(param.getPointer(), value))
+		unknownForm(param.nonNull());
+	return value;
+}
+
+ColourValue ChannelReader::vec3(const Reference<Vec3Param>& param, const V3& fallback)
+{
+	ColourValue value;
+	value.constant = fallback;
+	if(!readVarying<TextureVec3Param, ShaderVec3Param>(param.getPointer(), value))
+		unknownForm(param.nonNull());
 	return value;
 }
 

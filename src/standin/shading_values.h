@@ -19,6 +19,7 @@ class Texture;
 class WavelengthDependentParam;
 class WavelengthIndependentParam;
 class DisplacementParam;
+class Vec3Param;
 
 namespace Standin
 {
@@ -108,8 +109,16 @@ struct ChannelReader
 	ColourValue colour(const Reference<WavelengthDependentParam>& param, const V3& fallback);
 	ScalarValue scalar(const Reference<WavelengthIndependentParam>& param, float fallback);
 	ScalarValue scalar(const Reference<DisplacementParam>& param, float fallback);
+	// A direction of three components, as a normal map gives it.
+	ColourValue vec3(const Reference<Vec3Param>& param, const V3& fallback);
 
 private:
+	// Fills value from the texture or shader form of a channel, which
+	// every kind of channel has; false for any other form.
+	template <class TextureForm, class ShaderForm, class Param, class Value>
+	bool readVarying(const Param* param, Value& value);
+	// Notes a channel that is none of the forms this renderer reads.
+	void unknownForm(bool present);
 	TextureMap textureAt(int index);
 	// The compiled program of a shader parameter, or null after noting why
 	// not.

@@ -125,17 +125,41 @@ void printProgress(double spp, double seconds, double fraction)
 	std::fflush(stdout);
 }
 
+// Where a path's extension starts (its last dot, if after the last
+// separator), or the path's length when it has none.
+size_t extensionStart(const std::string& path)
+{
+	const size_t dot = path.find_last_of('.');
+	const size_t slash = path.find_last_of("/\\");
+	const bool has_extension = dot != std::string::npos && (slash == std::string::npos || dot > slash);
+	return has_extension ? dot : path.size();
+}
+
 // With no output named, the picture goes beside the scene.
 void defaultOutputs(SessionOptions& options, const std::string& scene_path)
 {
 	if(options.png_path.empty() && options.vli_path.empty() && options.untonemapped_exr_path.empty() &&
 		options.tonemapped_exr_path.empty())
-	{
-		const size_t dot = scene_path.find_last_of('.');
-		const size_t slash = scene_path.find_last_of("/\\");
-		const bool has_suffix = dot != std::string::npos && (slash == std::string::npos || dot > slash);
-		options.png_path = (has_suffix ? scene_path.substr(0, dot) : scene_path) + ".png";
-	}
+		options.png_path = scene_path.substr(0, extensionStart(scene_path)) + ".png";
+}
+
+// The path with "_<number>" before its extension; empty stays empty.
+std::string numberedPath(const std::string& path, size_t number)
+{
+	if(path.empty())
+		return path;
+	const size_t ext = extensionStart(path);
+	return path.substr(0, ext) + "_" + std::to_string(number) + path.substr(ext);
+}
+
+// Every item of a queue would write the command line's outputs to the same
+// files, each overwriting the one before: item n (counted from 1) writes
+// them with "_n" before the extension.
+void numberOutputs(SessionOptions& options, size_t number)
+{
+	for(std::string* path :
+		{&options.png_path, &options.vli_path, &options.untonemapped_exr_path, &options.tonemapped_exr_path})
+		*path = numberedPath(*path, number);
 }
 
 // The halt when neither the scene nor the command line gives one.
@@ -177,9 +201,11 @@ int run(const std::vector<std::string>& args)
 	for(const QueueItem& item : items)
 		if(!FileUtils::fileExists(item.scene_path))
 			throw Exception("Render queue names scene '" + item.scene_path + "', which does not exist.");
-	for(const QueueItem& item : items)
+	for(size_t i = 0; i < items.size(); ++i)
 	{
+		const QueueItem& item = items[i];
 		SessionOptions options = line.options;
+		numberOutputs(options, i + 1);
 		if(!item.output_path.empty() && options.png_path.empty())
 			options.png_path = item.output_path;
 		if(item.halt_spp > 0 && options.halt_spp <= 0)

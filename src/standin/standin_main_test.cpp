@@ -7,6 +7,7 @@
 #include "scene/scene_node_model.h"
 #include "standin/standin_test_helpers.h"
 #include "support/binary_stream.h"
+#include "support/file_utils.h"
 #include "support/master_buffer.h"
 #include "support/test_files.h"
 
@@ -168,6 +169,39 @@ TEST(VelornExecutable, WritesEveryOutputItIsAskedFor)
 	EXPECT_EQ(buffer.layers[0].image.getHeight(), 12u);
 	// A corner pixel of the margin looks at the sky, of radiance 1.
 	EXPECT_FLOAT_EQ(buffer.layers[0].image.getPixel(0, 0)[1], 1.0f);
+}
+
+TEST(VelornExecutable, QueueItemsNumberTheOutputsOfTheCommandLine)
+{
+	VelornTest::TempDir dir;
+	const std::string scene = writeScene(dir, "scene.vls", 6, 4);
+	const std::string queue = dir.file("queue.vlq");
+	const std::string item = "<item><scene_path>" + scene + "</scene_path></item>";
+	VelornTest::writeFile(queue, "<render_queue>" + item + item + "</render_queue>");
+	FileUtils::createDirsForPath(dir.file("run.d"));
+
+	const struct
+	{
+		const char* name;
+		std::string arguments;
+		std::vector<std::string> written, not_written;
+	} cases[] = {
+		{"extensions", "-o '" + dir.file("out.png") + "' -vlio '" + dir.file("out.vli") + "'",
+			{"out_1.png", "out_2.png", "out_1.vli", "out_2.vli"}, {"out.png", "out.vli", "out_0.png", "out_3.png"}},
+		// The dot of the directory is not the extension's.
+		{"no extension", "-o '" + dir.file("run.d/picture") + "'", {"run.d/picture_1", "run.d/picture_2"},
+			{"run_1.d/picture", "run.d/picture"}},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.name);
+		const RunResult r = runVelorn(dir, "-haltspp 1 " + c.arguments + " '" + queue + "'");
+		ASSERT_EQ(r.exit_code, 0) << r.err;
+		for(const std::string& name : c.written)
+			EXPECT_TRUE(FileUtils::fileExists(dir.file(name))) << name;
+		for(const std::string& name : c.not_written)
+			EXPECT_FALSE(FileUtils::fileExists(dir.file(name))) << name;
+	}
 }
 
 } // namespace

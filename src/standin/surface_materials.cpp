@@ -27,8 +27,14 @@ float mediumIOR(const Reference<SceneNodeMedium>& medium)
 	return 1.5f;
 }
 
-void readEmission(ChannelReader& reader, const SurfaceMaterial& source, ShadingMaterial& out)
+// The channels every surface material has: emission and its layer, bump
+// and normal map.
+void readSurfaceChannels(ChannelReader& reader, const SurfaceMaterial& source, ShadingMaterial& out)
 {
+	out.has_bump = source.bump.nonNull();
+	out.bump = reader.scalar(source.bump, 0);
+	out.has_normal_map = source.normal_map.nonNull();
+	out.normal_map = reader.vec3(source.normal_map, V3(0.5f, 0.5f, 1));
 	out.emits = source.base_emission.nonNull() || source.emission.nonNull();
 	out.base_emission = reader.colour(source.base_emission, V3(1));
 	out.emission = reader.colour(source.emission, V3(1));
@@ -123,7 +129,7 @@ const ShadingMaterial* MaterialLibrary::convert(const Material& material, const 
 		const auto& m = static_cast<const DiffuseMaterial&>(material);
 		out->kind = SurfaceKind::Diffuse;
 		out->albedo = reader.colour(m.albedo, default_albedo);
-		readEmission(reader, m, *out);
+		readSurfaceChannels(reader, m, *out);
 		break;
 	}
 	case MaterialType::OrenNayar:
@@ -132,7 +138,7 @@ const ShadingMaterial* MaterialLibrary::convert(const Material& material, const 
 		out->kind = SurfaceKind::OrenNayar;
 		out->albedo = reader.colour(m.albedo, default_albedo);
 		out->sigma = reader.scalar(m.sigma, 0);
-		readEmission(reader, m, *out);
+		readSurfaceChannels(reader, m, *out);
 		break;
 	}
 	case MaterialType::Phong:
@@ -144,7 +150,7 @@ const ShadingMaterial* MaterialLibrary::convert(const Material& material, const 
 		out->specular = reader.colour(m.specular_reflectivity, V3(0.9f));
 		out->exponent = reader.scalar(m.exponent, 100);
 		out->ior = (float)m.ior;
-		readEmission(reader, m, *out);
+		readSurfaceChannels(reader, m, *out);
 		break;
 	}
 	case MaterialType::DiffuseTransmitter:
@@ -152,7 +158,7 @@ const ShadingMaterial* MaterialLibrary::convert(const Material& material, const 
 		const auto& m = static_cast<const DiffuseTransmitter&>(material);
 		out->kind = SurfaceKind::DiffuseTransmitter;
 		out->albedo = reader.colour(m.albedo, default_albedo);
-		readEmission(reader, m, *out);
+		readSurfaceChannels(reader, m, *out);
 		break;
 	}
 	case MaterialType::Specular:
@@ -160,7 +166,7 @@ const ShadingMaterial* MaterialLibrary::convert(const Material& material, const 
 		const auto& m = static_cast<const SpecularMaterial&>(material);
 		out->kind = m.transparent ? SurfaceKind::Glass : SurfaceKind::Mirror;
 		out->ior = mediumIOR(m.internal_medium);
-		readEmission(reader, m, *out);
+		readSurfaceChannels(reader, m, *out);
 		break;
 	}
 	case MaterialType::GlossyTransparent:
@@ -169,7 +175,7 @@ const ShadingMaterial* MaterialLibrary::convert(const Material& material, const 
 		out->kind = SurfaceKind::GlossyGlass;
 		out->exponent = reader.scalar(m.exponent, 5000);
 		out->ior = mediumIOR(m.internal_medium);
-		readEmission(reader, m, *out);
+		readSurfaceChannels(reader, m, *out);
 		break;
 	}
 	case MaterialType::Blend:
@@ -202,7 +208,7 @@ const ShadingMaterial* MaterialLibrary::convert(const Material& material, const 
 		out->thickness = reader.scalar(m.thickness, 0);
 		out->roughness = reader.scalar(m.roughness, 0);
 		out->ior = (float)m.ior;
-		readEmission(reader, m, *out);
+		readSurfaceChannels(reader, m, *out);
 		break;
 	}
 	case MaterialType::DoubleSidedThin:
@@ -213,7 +219,7 @@ const ShadingMaterial* MaterialLibrary::convert(const Material& material, const 
 		out->b = get(m.back_material.getPointer());
 		out->transmittance = reader.colour(m.transmittance, V3(0.5f));
 		out->ior = (float)m.ior;
-		readEmission(reader, m, *out);
+		readSurfaceChannels(reader, m, *out);
 		break;
 	}
 	case MaterialType::Null:
@@ -312,8 +318,11 @@ Lobe chooseLobe(const ShadingMaterial& material, const SurfacePoint& sp, const V
 		}
 		case SurfaceKind::Sum:
 		{
+			// Each thread keeps its weights' space, so that a hit allocates
+			// nothing.
+			thread_local std::vector<float> w;
+			w.resize(m->parts.size());
 			float total = 0;
-			std::vector<float> w(m->parts.size());
 			for(size_t i = 0; i < w.size(); ++i)
 				total += (w[i] = std::fmax(0.0f, m->weights[i].eval(sp)));
 			if(total <= 0)
@@ -478,6 +487,38 @@ V3 evalLobe(const Lobe& lobe, const SurfacePoint& sp, const V3& wo, const V3& wi
 	default:
 		return V3(0);
 	}
+}
+
+V3 reliefNormal(const ShadingMaterial& material, const ShadePoint& sp, const V3& n, const V3& dpdu, const V3& dpdv)
+{
+	V3 out = n;
+	if(material.has_normal_map)
+	{
+		// Tangent-space components from [0, 1]: x along the texture's u
+		// direction, y across it, z out of the surface.
+		const V3 c = material.normal_map.eval(sp) * 2.0f - V3(1);
+		const V3 t = normalise(dpdu - n * dot(dpdu, n));
+		out = normalise(t * c.x + cross(n, t) * c.y + n * c.z);
+	}
+	if(material.has_bump)
+	{
+		// The height's slopes by forward differences in u and v, each
+		// shifting the position with the coordinates; the bumped surface
+		// p + h n then has the normal (dp/du + h_u n) x (dp/dv + h_v n).
+		const float step = 1e-3f;
+		const float h = material.bump.eval(sp);
+		ShadePoint at_u = sp, at_v = sp;
+		at_u.position = sp.position + dpdu * step;
+		at_u.u += step;
+		at_v.position = sp.position + dpdv * step;
+		at_v.v += step;
+		const float h_u = (material.bump.eval(at_u) - h) / step, h_v = (material.bump.eval(at_v) - h) / step;
+		const V3 bumped = cross(dpdu + out * h_u, dpdv + out * h_v);
+		const float len = length(bumped);
+		if(len > 0)
+			out = dot(bumped, out) < 0 ? bumped * (-1 / len) : bumped * (1 / len);
+	}
+	return out;
 }
 
 void addEmission(const ShadingMaterial& material, const SurfacePoint& sp, const V3& weight, std::vector<V3>& layers)

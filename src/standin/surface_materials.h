@@ -73,6 +73,14 @@ struct ShadingMaterial
 
 	// Double-sided thin: front in a, back in b.
 	ColourValue transmittance;
+
+	// Relief of the surface: a bump height in metres, and a normal map in
+	// the surface's tangent space ((0.5, 0.5, 1) is straight out).
+	bool has_bump = false, has_normal_map = false;
+	ScalarValue bump;
+	ColourValue normal_map;
+
+	bool hasRelief() const { return has_bump || has_normal_map; }
 };
 
 // The materials of a scene, converted once from the scene's material nodes.
@@ -107,6 +115,7 @@ struct SurfacePoint : ShadePoint
 	V3 geometric_normal;  // facing the incoming ray
 	V3 shading_normal;    // on the same side as geometric_normal
 	bool front_face = true;  // the ray came from the side the normal of the surface points to
+	float time = 0;          // of the ray that met it, while the shutter is open
 };
 
 // One lobe of a material at a hit, with its parameters evaluated: what a
@@ -150,6 +159,11 @@ bool sampleLobe(const Lobe& lobe, const SurfacePoint& sp, const V3& wo, Rng& rng
 
 // f * |cos(wi)| of a non-specular lobe, for light sampling.
 V3 evalLobe(const Lobe& lobe, const SurfacePoint& sp, const V3& wo, const V3& wi);
+
+// The shading normal n tilted by the material's normal map and bump at sp,
+// given how the surface moves with its texture coordinates (dpdu, dpdv).
+// Composite materials give their own relief only, not their parts'.
+V3 reliefNormal(const ShadingMaterial& material, const ShadePoint& sp, const V3& n, const V3& dpdu, const V3& dpdv);
 
 // Adds the light a material sends towards wo at sp, times weight, into
 // layers (one entry per light layer). Composites add their parts' light in

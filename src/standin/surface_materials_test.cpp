@@ -1,5 +1,6 @@
 #include "scene/materials_composite.h"
 #include "scene/materials_other.h"
+#include "scene/shader_info.h"
 #include "standin/image_files.h"
 #include "standin/standin_test_helpers.h"
 #include "standin/tracer_scene.h"
@@ -161,6 +162,59 @@ TEST(SurfaceMaterials, TextureFromAPNGFile)
 		m->textures.push_back(texture);
 		m->albedo = new TextureWavelengthDependentParam(0);
 		EXPECT_NEAR(furnace(*root, addMaterial(*root, m), 500), c.expected, 1e-4);
+	}
+}
+
+Reference<ShaderInfo> shaderOf(const std::string& text)
+{
+	Reference<ShaderInfo> info = new ShaderInfo();
+	info->shader = String(text);
+	return info;
+}
+
+TEST(SurfaceMaterials, BumpAndNormalMapTiltTheNormalTheirWay)
+{
+	// A surface facing +z at (0.3, 0.2, 0). Its texture's u runs along +x,
+	// or along +y where the case turns it; the bumped normal leans away
+	// from where the height rises, a normal map's x leans towards u.
+	const std::string height = "def eval(vec3 pos) real: ";
+	const std::string direction = "def eval() vec3: ";
+	const V3 u_along_x[2] = {V3(1, 0, 0), V3(0, 1, 0)}, u_along_y[2] = {V3(0, 1, 0), V3(-1, 0, 0)};
+	const struct
+	{
+		const char* name;
+		std::string bump, normal_map;  // shader texts, or empty
+		const V3* derivatives;
+		V3 expected;
+	} cases[] = {
+		{"no relief", "", "", u_along_x, V3(0, 0, 1)},
+		{"height rising along x", height + "doti(pos) * 0.1", "", u_along_x, V3(-0.1f, 0, 1)},
+		{"height rising along y", height + "dotj(pos) * 0.2", "", u_along_x, V3(0, -0.2f, 1)},
+		{"along x, u turned", height + "doti(pos) * 0.1", "", u_along_y, V3(-0.1f, 0, 1)},
+		{"rising with u, u turned", height + "doti(getTexCoords(0)) * 0.1", "", u_along_y, V3(0, -0.1f, 1)},
+		{"normal map towards u", "", direction + "vec3(0.75, 0.5, 1.0)", u_along_x, V3(0.5f, 0, 1)},
+		{"normal map towards u, u turned", "", direction + "vec3(0.75, 0.5, 1.0)", u_along_y, V3(0, 0.5f, 1)},
+		{"normal map across u", "", direction + "vec3(0.5, 0.75, 1.0)", u_along_x, V3(0, 0.5f, 1)},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.name);
+		Reference<DiffuseMaterial> material = diffuse(0.5);
+		if(!c.bump.empty())
+			material->bump = new ShaderDisplacementParam(shaderOf(c.bump));
+		if(!c.normal_map.empty())
+			material->normal_map = new ShaderVec3Param(shaderOf(c.normal_map));
+		TextureCache textures(".");
+		MaterialLibrary library(textures);
+		const ShadingMaterial* shading = library.convert(*material, "relief");
+		ASSERT_TRUE(library.shader_warnings.empty());
+		ShadePoint sp;
+		sp.position = V3(0.3f, 0.2f, 0);
+		const V3 n = reliefNormal(*shading, sp, V3(0, 0, 1), c.derivatives[0], c.derivatives[1]);
+		const V3 e = normalise(c.expected);
+		EXPECT_NEAR(n.x, e.x, 1e-3f);
+		EXPECT_NEAR(n.y, e.y, 1e-3f);
+		EXPECT_NEAR(n.z, e.z, 1e-3f);
 	}
 }
 

@@ -32,6 +32,10 @@ void xyzToRGB(double X, double Y, double Z, double rgb[3])
 	rgb[2] = 0.0557 * X - 0.2040 * Y + 1.0570 * Z;
 }
 
+// CIE XYZ of a linear sRGB colour, the inverse of xyzToRGB.
+const double rgb_to_xyz[3][3] = {{0.4124564, 0.3575761, 0.1804375}, {0.2126729, 0.7151522, 0.0721750},
+	{0.0193339, 0.1191920, 0.9503041}};
+
 // Per-channel gains that make the white point's colour neutral, relative
 // to the equal-energy white (which the renderer's RGB white stands for).
 void whiteBalanceGains(double x, double y, double gains[3])
@@ -123,7 +127,44 @@ ToneMapSettings ToneMapSettings::fromNodes(const SceneNode* tone_mapping, const 
 	return s;
 }
 
-void resolveBuffer(const MasterBuffer& buffer, const double* layer_gains, uint32_t ss, Image& out, std::mutex* rows_lock)
+LayerWeight LayerWeight::of(double x, double y, double z, double gain)
+{
+	LayerWeight w;
+	if(x == y && y == z)
+	{
+		for(int i = 0; i < 3; ++i)
+			w.m[i][i] = (float)(x * gain);
+		return w;
+	}
+	// RGB to XYZ, the scale, and back: column k of the way back is the RGB
+	// of the unit X, Y or Z.
+	const double scale[3] = {x * gain, y * gain, z * gain};
+	double back[3][3];
+	xyzToRGB(1, 0, 0, back[0]);
+	xyzToRGB(0, 1, 0, back[1]);
+	xyzToRGB(0, 0, 1, back[2]);
+	for(int i = 0; i < 3; ++i)
+		for(int j = 0; j < 3; ++j)
+		{
+			double sum = 0;
+			for(int k = 0; k < 3; ++k)
+				sum += back[k][i] * scale[k] * rgb_to_xyz[k][j];
+			w.m[i][j] = (float)sum;
+		}
+	return w;
+}
+
+std::vector<LayerWeight> layerWeights(const SceneNode* settings, size_t layer_count)
+{
+	std::vector<LayerWeight> weights(layer_count);
+	if(const auto* rs = dynamic_cast<const SceneNodeRenderSettings*>(settings))
+		for(size_t i = 0; i < layer_count && i < rs->layer_settings.size(); ++i)
+			if(const LayerSetting* layer = rs->layer_settings[i].getPointer())
+				weights[i] = LayerWeight::of(layer->xyz.x, layer->xyz.y, layer->xyz.z, layer->gain);
+	return weights;
+}
+
+void resolveBuffer(const MasterBuffer& buffer, const LayerWeight* weights, uint32_t ss, Image& out, std::mutex* rows_lock)
 {
 	const uint32_t width = buffer.getInternalWidth(), height = buffer.getInternalHeight();
 	Image sum(width, height);
@@ -135,11 +176,12 @@ void resolveBuffer(const MasterBuffer& buffer, const double* layer_gains, uint32
 			lock = std::unique_lock<std::mutex>(*rows_lock);
 		for(size_t l = 0; l < buffer.layers.size(); ++l)
 		{
-			const float gain = layer_gains ? (float)layer_gains[l] : 1.0f;
+			const LayerWeight w = weights ? weights[l] : LayerWeight();
 			const float* src = buffer.layers[l].image.getData();
 			float* dst = sum.getData();
-			for(size_t i = (size_t)first * width * 3; i < (size_t)end * width * 3; ++i)
-				dst[i] += src[i] * gain;
+			for(size_t i = (size_t)first * width * 3; i < (size_t)end * width * 3; i += 3)
+				for(int c = 0; c < 3; ++c)
+					dst[i + c] += w.m[c][0] * src[i] + w.m[c][1] * src[i + 1] + w.m[c][2] * src[i + 2];
 		}
 	}
 	TaskManager tasks(1);

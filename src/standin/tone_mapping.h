@@ -5,6 +5,7 @@
 #include "support/master_buffer.h"
 
 #include <mutex>
+#include <vector>
 
 namespace Velorn
 {
@@ -38,13 +39,30 @@ struct ToneMapSettings
 	static ToneMapSettings fromNodes(const SceneNode* tone_mapping, const SceneNode* settings, double gamma);
 };
 
-// The final linear picture of a buffer: its layers summed, each times the
-// gain of its layer setting (1 where there is none), the margin dropped and
-// the supersamples averaged. With rows_lock, the lock that a running render
+// How a light layer goes into the picture: a layer setting scales the
+// layer's light by its gain and by a factor for each of X, Y and Z, the
+// space the renderer's buffer stands for. This buffer holds linear sRGB, so
+// the weight is that scale carried over to it, a 3 by 3 matrix by rows.
+struct LayerWeight
+{
+	float m[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+
+	// A layer scaled alike in X, Y and Z is scaled by that in every channel,
+	// exactly.
+	static LayerWeight of(double x, double y, double z, double gain);
+};
+
+// The weights of the layer settings of a render settings node, one per
+// buffer layer (1 where there is no setting or no node).
+std::vector<LayerWeight> layerWeights(const SceneNode* settings, size_t layer_count);
+
+// The final linear picture of a buffer: its layers summed, each by its
+// weight (as it is where there is none), the margin dropped and the
+// supersamples averaged. With rows_lock, the lock that a running render
 // writes its rows under, the buffer is read a band of rows at a time, each
 // under the lock: the render's threads then wait for one band at most, not
 // for the whole buffer, and a row is never read half written.
-void resolveBuffer(const MasterBuffer& buffer, const double* layer_gains, uint32_t super_sample_factor, Image& out,
+void resolveBuffer(const MasterBuffer& buffer, const LayerWeight* weights, uint32_t super_sample_factor, Image& out,
 	std::mutex* rows_lock = nullptr);
 
 // The picture's mean luminance, over all pixels.

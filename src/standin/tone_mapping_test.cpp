@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+
 namespace Velorn
 {
 namespace Standin
@@ -95,7 +98,7 @@ TEST(ToneMapping, CameraWhiteBalanceMakesTheWhitePointNeutral)
 	EXPECT_LT(q[0] + 10, q[2]);
 }
 
-TEST(ToneMapping, ResolveSumsLayersByGainAndDropsTheMargin)
+TEST(ToneMapping, ResolveSumsLayersByWeightAndDropsTheMargin)
 {
 	// Final 2 x 1, super sampling 2: internal (2 + 8) * 2 by (1 + 8) * 2.
 	MasterBuffer buffer(20, 18, 2, 2, 1, {"a", "b"}, false);
@@ -106,15 +109,39 @@ TEST(ToneMapping, ResolveSumsLayersByGainAndDropsTheMargin)
 			buffer.layers[0].image.getPixel(x, y)[0] = x < 10 ? 1.0f : 3.0f;
 			buffer.layers[1].image.getPixel(x, y)[0] = 10.0f;
 		}
-	const double gains[] = {1.0, 0.5};
+	const LayerWeight weights[] = {LayerWeight::of(1, 1, 1, 1), LayerWeight::of(1, 1, 1, 0.5)};
 	Image out;
-	resolveBuffer(buffer, gains, 2, out);
+	resolveBuffer(buffer, weights, 2, out);
 	ASSERT_EQ(out.getWidth(), 2u);
 	ASSERT_EQ(out.getHeight(), 1u);
 	// The margin is 4 final pixels a side, 8 internal ones; the first output pixel covers
 	// internal x 8 and 9, the second 10 and 11.
 	EXPECT_FLOAT_EQ(out.getPixel(0, 0)[0], 1 + 5);
 	EXPECT_FLOAT_EQ(out.getPixel(1, 0)[0], 3 + 5);
+}
+
+TEST(ToneMapping, LayerWeightsScaleTheLayersXYZ)
+{
+	// Final 1 x 1: one pixel of RGB white in the one layer.
+	MasterBuffer buffer(9, 9, 1, 1, 1, {"a"}, false);
+	for(uint32_t y = 0; y < 9; ++y)
+		for(uint32_t x = 0; x < 9; ++x)
+			std::fill(buffer.layers[0].image.getPixel(x, y), buffer.layers[0].image.getPixel(x, y) + 3, 1.0f);
+	auto resolved = [&](const LayerWeight& weight) {
+		Image out;
+		resolveBuffer(buffer, &weight, 1, out);
+		const float* p = out.getPixel(0, 0);
+		return std::array<float, 3>{p[0], p[1], p[2]};
+	};
+	// A scale alike in X, Y and Z is exact.
+	EXPECT_EQ(resolved(LayerWeight::of(0.5, 0.5, 0.5, 2)), (std::array<float, 3>{1, 1, 1}));
+	EXPECT_EQ(resolved(LayerWeight::of(0, 0, 0, 1)), (std::array<float, 3>{0, 0, 0}));
+	// Without Z, white's XYZ (0.95047, 1.0000001, 1.08883) keeps X and Y:
+	// its RGB is 3.2406 X - 1.5372 Y, -0.9689 X + 1.8758 Y, 0.0557 X - 0.2040 Y.
+	const std::array<float, 3> no_z = resolved(LayerWeight::of(1, 1, 0, 1));
+	EXPECT_NEAR(no_z[0], 1.542893, 1e-4);
+	EXPECT_NEAR(no_z[1], 0.954890, 1e-4);
+	EXPECT_NEAR(no_z[2], -0.151059, 1e-4);
 }
 
 TEST(ToneMapping, ResolveUnderTheRowsLockReadsEveryBandOnce)

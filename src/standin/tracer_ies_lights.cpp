@@ -160,7 +160,7 @@ void TracerScene::sampleIesLights(const Lobe& lobe, const SurfacePoint& sp, cons
 	if(f.isBlack())
 		return;
 	const V3 start = sp.position + sp.geometric_normal * (dot(wi, sp.geometric_normal) > 0 ? ray_epsilon : -ray_epsilon);
-	if(occluded(start, wi, ray_epsilon, distance * (1 - 1e-3f)))
+	if(occluded(start, wi, ray_epsilon, distance * (1 - 1e-3f), sp.time))
 		return;
 	const float scale = ies_emitters[mesh.triangle_emitters[light.triangle]].radianceScale(-wi, cos_lamp);
 	// Area density to solid angle: |cos| at the lamp over the squared distance.

@@ -62,6 +62,52 @@ struct PathLog
 };
 thread_local PathLog* path_log = nullptr;
 
+// What Embree's callbacks learn of a ray beyond the ray itself.
+struct RayContext
+{
+	RTCIntersectContext embree;
+	bool camera_ray;
+};
+
+// Only the tracer's own calls pass a RayContext: ask only where a section
+// plane needs the answer.
+bool isCameraRay(const RTCIntersectContext* context)
+{
+	return reinterpret_cast<const RayContext*>(context)->camera_ray;
+}
+
+// Appends the mesh's vertices placed by the model's matrix and then by a
+// placement of its path.
+void placeVertices(const Mesh& mesh, const Matrix3d& model_matrix, const Placement& placement, std::vector<V3>& out)
+{
+	const Matrix3d m = placement.rotation * model_matrix;
+	const V3 offset = toV3(placement.position);
+	out.reserve(out.size() + mesh.verts.size());
+	for(const Vec3f& v : mesh.verts)
+		out.push_back(mul(m, V3(v.x, v.y, v.z)) + offset);
+}
+
+// How a triangle's surface moves with its texture coordinates; false when
+// its coordinates do not span a plane.
+bool uvDerivatives(const V3& p0, const V3& p1, const V3& p2, const float* uv, V3& dpdu, V3& dpdv)
+{
+	const float du1 = uv[2] - uv[0], dv1 = uv[3] - uv[1], du2 = uv[4] - uv[0], dv2 = uv[5] - uv[1];
+	const float det = du1 * dv2 - du2 * dv1;
+	if(std::fabs(det) < 1e-12f)
+		return false;
+	const V3 e1 = p1 - p0, e2 = p2 - p0;
+	dpdu = (e1 * dv2 - e2 * dv1) * (1 / det);
+	dpdv = (e2 * du1 - e1 * du2) * (1 / det);
+	return true;
+}
+
+// A vector turned by the transpose of m (its inverse, for a rotation).
+V3 mulTransposed(const Matrix3d& m, const V3& v)
+{
+	return V3((float)(m.e[0] * v.x + m.e[3] * v.y + m.e[6] * v.z), (float)(m.e[1] * v.x + m.e[4] * v.y + m.e[7] * v.z),
+		(float)(m.e[2] * v.x + m.e[5] * v.y + m.e[8] * v.z));
+}
+
 int32_t readInt(const SceneNodeRenderSettings& s, const char* key, int32_t fallback)
 {
 	return s.settings.contains(key) ? s.getInt(key) : fallback;
@@ -76,19 +122,22 @@ struct SphereCallbacks
 	{
 		const auto* scene = static_cast<const TracerScene*>(args->geometryUserPtr);
 		const PlacedSphere& s = scene->spheres[args->primID];
-		args->bounds_o->lower_x = s.centre.x - s.radius;
-		args->bounds_o->lower_y = s.centre.y - s.radius;
-		args->bounds_o->lower_z = s.centre.z - s.radius;
-		args->bounds_o->upper_x = s.centre.x + s.radius;
-		args->bounds_o->upper_y = s.centre.y + s.radius;
-		args->bounds_o->upper_z = s.centre.z + s.radius;
+		const V3 c = s.step_centres.empty() ? s.centre : s.step_centres[args->timeStep];
+		args->bounds_o->lower_x = c.x - s.radius;
+		args->bounds_o->lower_y = c.y - s.radius;
+		args->bounds_o->lower_z = c.z - s.radius;
+		args->bounds_o->upper_x = c.x + s.radius;
+		args->bounds_o->upper_y = c.y + s.radius;
+		args->bounds_o->upper_z = c.z + s.radius;
 	}
 
-	// The nearest root of |o + t d - c| = r within (tnear, tfar), or a
-	// negative value.
-	static float hitDistance(const PlacedSphere& s, const V3& o, const V3& d, float tnear, float tfar)
+	// The nearest root of |o + t d - c| = r within (tnear, tfar) that no
+	// section plane cuts away, or a negative value; c is the centre at the
+	// ray's time.
+	static float hitDistance(const TracerScene& scene, const PlacedSphere& s, const V3& centre, const V3& o, const V3& d,
+		float tnear, float tfar, bool camera_ray)
 	{
-		const V3 oc = o - s.centre;
+		const V3 oc = o - centre;
 		const float a = dot(d, d);
 		const float b = dot(oc, d);
 		const float c = dot(oc, oc) - s.radius * s.radius;
@@ -96,11 +145,10 @@ struct SphereCallbacks
 		if(disc < 0)
 			return -1;
 		const float root = std::sqrt(disc);
-		const float t0 = (-b - root) / a, t1 = (-b + root) / a;
-		if(t0 > tnear && t0 < tfar)
-			return t0;
-		if(t1 > tnear && t1 < tfar)
-			return t1;
+		for(const float t : {(-b - root) / a, (-b + root) / a})
+			if(t > tnear && t < tfar &&
+				(s.section_mask == 0 || !scene.section_planes.cutsAway(s.section_mask, o + d * t, camera_ray)))
+				return t;
 		return -1;
 	}
 
@@ -116,10 +164,12 @@ struct SphereCallbacks
 				continue;
 			const V3 o(RTCRayN_org_x(rays, args->N, i), RTCRayN_org_y(rays, args->N, i), RTCRayN_org_z(rays, args->N, i));
 			const V3 d(RTCRayN_dir_x(rays, args->N, i), RTCRayN_dir_y(rays, args->N, i), RTCRayN_dir_z(rays, args->N, i));
-			const float t = hitDistance(s, o, d, RTCRayN_tnear(rays, args->N, i), RTCRayN_tfar(rays, args->N, i));
+			const V3 c = s.centreAt(RTCRayN_time(rays, args->N, i));
+			const float t = hitDistance(*scene, s, c, o, d, RTCRayN_tnear(rays, args->N, i),
+				RTCRayN_tfar(rays, args->N, i), s.section_mask != 0 && isCameraRay(args->context));
 			if(t < 0)
 				continue;
-			const V3 n = o + d * t - s.centre;
+			const V3 n = o + d * t - c;
 			RTCRayN_tfar(rays, args->N, i) = t;
 			RTCHitN_Ng_x(hits, args->N, i) = n.x;
 			RTCHitN_Ng_y(hits, args->N, i) = n.y;
@@ -143,8 +193,34 @@ struct SphereCallbacks
 			RTCRayN* rays = args->ray;
 			const V3 o(RTCRayN_org_x(rays, args->N, i), RTCRayN_org_y(rays, args->N, i), RTCRayN_org_z(rays, args->N, i));
 			const V3 d(RTCRayN_dir_x(rays, args->N, i), RTCRayN_dir_y(rays, args->N, i), RTCRayN_dir_z(rays, args->N, i));
-			if(hitDistance(s, o, d, RTCRayN_tnear(rays, args->N, i), RTCRayN_tfar(rays, args->N, i)) >= 0)
+			const V3 c = s.centreAt(RTCRayN_time(rays, args->N, i));
+			if(hitDistance(*scene, s, c, o, d, RTCRayN_tnear(rays, args->N, i), RTCRayN_tfar(rays, args->N, i), false) >= 0)
 				RTCRayN_tfar(rays, args->N, i) = -std::numeric_limits<float>::infinity();
+		}
+	}
+};
+
+// Rejects the hits of a mesh that its section planes cut away; set only on
+// meshes that some plane cuts.
+struct SectionFilter
+{
+	static void filter(const RTCFilterFunctionNArguments* args)
+	{
+		const auto* scene = static_cast<const TracerScene*>(args->geometryUserPtr);
+		const bool camera_ray = isCameraRay(args->context);
+		for(unsigned i = 0; i < args->N; ++i)
+		{
+			if(args->valid[i] == 0)
+				continue;
+			const unsigned geometry = RTCHitN_geomID(args->hit, args->N, i);
+			const uint32_t mask = scene->meshes[scene->geometry_mesh[geometry]].section_mask;
+			// A filter sees the hit's distance as the ray's tfar.
+			const float t = RTCRayN_tfar(args->ray, args->N, i);
+			const V3 p(RTCRayN_org_x(args->ray, args->N, i) + t * RTCRayN_dir_x(args->ray, args->N, i),
+				RTCRayN_org_y(args->ray, args->N, i) + t * RTCRayN_dir_y(args->ray, args->N, i),
+				RTCRayN_org_z(args->ray, args->N, i) + t * RTCRayN_dir_z(args->ray, args->N, i));
+			if(scene->section_planes.cutsAway(mask, p, camera_ray))
+				args->valid[i] = 0;
 		}
 	}
 };
@@ -176,7 +252,10 @@ TracerScene::TracerScene(const SceneNodeRoot& root, const std::string& scene_dir
 	camera = std::make_unique<Camera>(static_cast<const SceneNodeCamera&>(*camera_node), settings.width, settings.height);
 
 	background = Background(root, materials);
+	section_planes = SectionPlanes(root, warnings);
+	addSpheres(root);
 	addModels(root, scene_dir);
+	has_motion = has_motion || camera->moves();
 	collectIesTriangles();
 	warnings.insert(warnings.end(), materials.shader_warnings.begin(), materials.shader_warnings.end());
 	buildEmbree();
@@ -190,21 +269,47 @@ TracerScene::~TracerScene()
 		rtcReleaseDevice(device);
 }
 
+V3 PlacedSphere::centreAt(float time) const
+{
+	if(step_centres.empty())
+		return centre;
+	const float f = std::fmin(std::fmax(time, 0.0f), 1.0f) * (step_centres.size() - 1);
+	const size_t i = std::min((size_t)f, step_centres.size() - 2);
+	return step_centres[i] + (step_centres[i + 1] - step_centres[i]) * (f - i);
+}
+
+void TracerScene::addSpheres(const SceneNodeRoot& root)
+{
+	std::vector<std::pair<size_t, MotionPath>> moving;
+	for(const Reference<SceneNode>& child : root.getChildren())
+	{
+		if(child->getType() != SceneNodeType::Sphere)
+			continue;
+		const auto& node = static_cast<const SceneNodeSphere&>(*child);
+		const MotionPath path(node.keyframes);
+		PlacedSphere sphere;
+		sphere.centre = toV3(path.at(0).position);
+		sphere.radius = (float)node.radius;
+		sphere.material = materials.get(node.material.getPointer());
+		sphere.section_mask = section_planes.planesCutting(node.uid);
+		if(path.moves())
+		{
+			moving.emplace_back(spheres.size(), path);
+			sphere_time_steps = std::max<unsigned>(sphere_time_steps, std::max<size_t>(2, node.keyframes.size()));
+		}
+		spheres.push_back(sphere);
+	}
+	// The spheres are one Embree geometry, whose time steps all share.
+	for(const auto& [index, path] : moving)
+		for(unsigned step = 0; step < sphere_time_steps; ++step)
+			spheres[index].step_centres.push_back(toV3(path.at((double)step / (sphere_time_steps - 1)).position));
+	has_motion = has_motion || !moving.empty();
+}
+
 void TracerScene::addModels(const SceneNodeRoot& root, const std::string& scene_dir)
 {
 	for(const Reference<SceneNode>& child : root.getChildren())
 	{
-		if(child->getType() == SceneNodeType::Sphere)
-		{
-			const auto& node = static_cast<const SceneNodeSphere&>(*child);
-			PlacedSphere sphere;
-			if(!node.keyframes.empty())
-				sphere.centre = toV3(node.keyframes[0].pos);
-			sphere.radius = (float)node.radius;
-			sphere.material = materials.get(node.material.getPointer());
-			spheres.push_back(sphere);
-			continue;
-		}
 		if(child->getType() != SceneNodeType::Model)
 			continue;
 		const auto& model = static_cast<const SceneNodeModel&>(*child);
@@ -219,25 +324,28 @@ void TracerScene::addModels(const SceneNodeRoot& root, const std::string& scene_
 		const Mesh& mesh = *mesh_node.mesh;
 
 		// World = keyframe rotation * (model rotation * scale * p) + position,
-		// all at time 0.
-		Matrix3d m = model.rotation.nonNull() ? model.rotation->getMatrix() : Matrix3d();
-		m = m * (model.scale * mesh_node.scale);
-		V3 offset;
-		if(!model.keyframes.empty())
-		{
-			const KeyFrame& k = model.keyframes[0];
-			offset = toV3(k.pos);
-			if(k.rotation_angle != 0)
-				m = Matrix3d::axisAngle(k.rotation_axis, k.rotation_angle) * m;
-		}
+		// the keyframes' at time 0; lamps and normals are placed as then.
+		Matrix3d model_matrix = model.rotation.nonNull() ? model.rotation->getMatrix() : Matrix3d();
+		model_matrix = model_matrix * (model.scale * mesh_node.scale);
+		const MotionPath path(model.keyframes);
+		const Placement start = path.at(0);
+		const Matrix3d m = start.rotation * model_matrix;
 		Matrix3d normal_matrix = cofactor(m);
 		const std::vector<int> material_emitters = addIesEmitters(model, m, scene_dir);
 
 		PlacedMesh placed;
 		placed.invisible_to_camera = model.invisible_to_camera;
-		placed.positions.reserve(mesh.verts.size());
-		for(const Vec3f& v : mesh.verts)
-			placed.positions.push_back(mul(m, V3(v.x, v.y, v.z)) + offset);
+		placed.section_mask = section_planes.planesCutting(model.uid);
+		placeVertices(mesh, model_matrix, start, placed.positions);
+		if(path.moves())
+		{
+			placed.time_steps = std::max<unsigned>(2, (unsigned)model.keyframes.size());
+			for(unsigned step = 0; step < placed.time_steps; ++step)
+				placeVertices(mesh, model_matrix, path.at((double)step / (placed.time_steps - 1)), placed.step_positions);
+			placed.motion = std::make_unique<MotionPath>(path);
+			placed.start_rotation = start.rotation;
+			has_motion = true;
+		}
 		if(mesh.normals.size() == mesh.verts.size())
 			for(const Vec3f& n : mesh.normals)
 				placed.normals.push_back(normalise(mul(normal_matrix, V3(n.x, n.y, n.z))));
@@ -297,17 +405,32 @@ void TracerScene::buildEmbree()
 				mesh.corner_normals.push_back(mesh.normals[index]);
 		}
 		RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
-		auto* v = static_cast<float*>(rtcSetNewGeometryBuffer(
-			geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, 3 * sizeof(float), mesh.positions.size()));
-		for(size_t k = 0; k < mesh.positions.size(); ++k)
+		// One vertex buffer per time step; Embree moves the vertices in
+		// straight lines between them.
+		const size_t count = mesh.positions.size();
+		const std::vector<V3>& positions = mesh.time_steps > 1 ? mesh.step_positions : mesh.positions;
+		rtcSetGeometryTimeStepCount(geometry, mesh.time_steps);
+		for(unsigned step = 0; step < mesh.time_steps; ++step)
 		{
-			v[k * 3] = mesh.positions[k].x;
-			v[k * 3 + 1] = mesh.positions[k].y;
-			v[k * 3 + 2] = mesh.positions[k].z;
+			auto* v = static_cast<float*>(rtcSetNewGeometryBuffer(
+				geometry, RTC_BUFFER_TYPE_VERTEX, step, RTC_FORMAT_FLOAT3, 3 * sizeof(float), count));
+			const V3* p = &positions[step * count];
+			for(size_t k = 0; k < count; ++k)
+			{
+				v[k * 3] = p[k].x;
+				v[k * 3 + 1] = p[k].y;
+				v[k * 3 + 2] = p[k].z;
+			}
 		}
 		auto* idx = static_cast<uint32_t*>(rtcSetNewGeometryBuffer(
 			geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, 3 * sizeof(uint32_t), mesh.indices.size() / 3));
 		std::copy(mesh.indices.begin(), mesh.indices.end(), idx);
+		if(mesh.section_mask != 0)
+		{
+			rtcSetGeometryUserData(geometry, this);
+			rtcSetGeometryIntersectFilterFunction(geometry, &SectionFilter::filter);
+			rtcSetGeometryOccludedFilterFunction(geometry, &SectionFilter::filter);
+		}
 		rtcCommitGeometry(geometry);
 		const unsigned id = rtcAttachGeometry(scene, geometry);
 		rtcReleaseGeometry(geometry);
@@ -319,6 +442,7 @@ void TracerScene::buildEmbree()
 	{
 		RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_USER);
 		rtcSetGeometryUserPrimitiveCount(geometry, (unsigned)spheres.size());
+		rtcSetGeometryTimeStepCount(geometry, sphere_time_steps);
 		rtcSetGeometryUserData(geometry, this);
 		rtcSetGeometryBoundsFunction(geometry, &SphereCallbacks::bounds, this);
 		rtcSetGeometryIntersectFunction(geometry, &SphereCallbacks::intersect);
@@ -330,10 +454,12 @@ void TracerScene::buildEmbree()
 	rtcCommitScene(scene);
 }
 
-bool TracerScene::intersect(const V3& origin, const V3& dir, float t_near, float t_far, RTCRayHit& out) const
+bool TracerScene::intersect(const V3& origin, const V3& dir, float t_near, float t_far, float time, RTCRayHit& out,
+	bool camera_ray) const
 {
-	RTCIntersectContext context;
-	rtcInitIntersectContext(&context);
+	RayContext context;
+	rtcInitIntersectContext(&context.embree);
+	context.camera_ray = camera_ray;
 	out.ray.org_x = origin.x;
 	out.ray.org_y = origin.y;
 	out.ray.org_z = origin.z;
@@ -342,26 +468,27 @@ bool TracerScene::intersect(const V3& origin, const V3& dir, float t_near, float
 	out.ray.dir_z = dir.z;
 	out.ray.tnear = t_near;
 	out.ray.tfar = t_far;
-	out.ray.time = 0;
+	out.ray.time = time;
 	out.ray.mask = 0xFFFFFFFF;
 	out.ray.id = 0;
 	out.ray.flags = 0;
 	out.hit.geomID = RTC_INVALID_GEOMETRY_ID;
 	out.hit.instID[0] = RTC_INVALID_GEOMETRY_ID;
-	rtcIntersect1(scene, &context, &out);
+	rtcIntersect1(scene, &context.embree, &out);
 	return out.hit.geomID != RTC_INVALID_GEOMETRY_ID;
 }
 
-bool TracerScene::occluded(const V3& origin, const V3& dir, float t_near, float t_far) const
+bool TracerScene::occluded(const V3& origin, const V3& dir, float t_near, float t_far, float time) const
 {
 	if(path_log)
 	{
 		++path_log->counts->shadow;
 		if(path_log->record)
-			path_log->record->push_back(CastRay{origin, dir, t_near, t_far, true});
+			path_log->record->push_back(CastRay{origin, dir, t_near, t_far, time, true});
 	}
-	RTCIntersectContext context;
-	rtcInitIntersectContext(&context);
+	RayContext context;
+	rtcInitIntersectContext(&context.embree);
+	context.camera_ray = false;
 	RTCRay ray;
 	ray.org_x = origin.x;
 	ray.org_y = origin.y;
@@ -371,11 +498,11 @@ bool TracerScene::occluded(const V3& origin, const V3& dir, float t_near, float 
 	ray.dir_z = dir.z;
 	ray.tnear = t_near;
 	ray.tfar = t_far;
-	ray.time = 0;
+	ray.time = time;
 	ray.mask = 0xFFFFFFFF;
 	ray.id = 0;
 	ray.flags = 0;
-	rtcOccluded1(scene, &context, &ray);
+	rtcOccluded1(scene, &context.embree, &ray);
 	return ray.tfar < 0;
 }
 
@@ -384,13 +511,16 @@ SurfacePoint TracerScene::surfaceAt(const RTCRayHit& hit, const V3& origin, cons
 {
 	SurfacePoint sp;
 	sp.position = origin + dir * hit.ray.tfar;
+	sp.time = hit.ray.time;
 	V3 outward;
 	V3 shading;
+	V3 dpdu, dpdv;  // for relief
+	bool has_derivatives = false;
 	invisible_to_camera = false;
 	if(hit.hit.geomID == sphere_geometry)
 	{
 		const PlacedSphere& s = spheres[hit.hit.primID];
-		outward = normalise(sp.position - s.centre);
+		outward = normalise(sp.position - s.centreAt(sp.time));
 		shading = outward;
 		material = s.material;
 		// Longitude and latitude as texture coordinates.
@@ -414,6 +544,10 @@ SurfacePoint TracerScene::surfaceAt(const RTCRayHit& hit, const V3& origin, cons
 		{
 			const V3* n = &mesh.corner_normals[tri * 3];
 			shading = normalise(n[0] * b0 + n[1] * b1 + n[2] * b2);
+			// The normals are placed as at time 0: turned back from the
+			// rotation then, and on by the rotation at the hit's time.
+			if(mesh.motion)
+				shading = normalise(mul(mesh.motion->at(sp.time).rotation, mulTransposed(mesh.start_rotation, shading)));
 		}
 		material = mesh.triangle_materials[tri];
 		if(material->reads_coordinates)
@@ -423,6 +557,24 @@ SurfacePoint TracerScene::surfaceAt(const RTCRayHit& hit, const V3& origin, cons
 			sp.v = uv[1] * b0 + uv[3] * b1 + uv[5] * b2;
 		}
 		invisible_to_camera = mesh.invisible_to_camera;
+		if(material->hasRelief())
+		{
+			const uint32_t* v = &mesh.indices[tri * 3];
+			has_derivatives = uvDerivatives(
+				mesh.positions[v[0]], mesh.positions[v[1]], mesh.positions[v[2]], &mesh.uvs[tri * 6], dpdu, dpdv);
+		}
+	}
+	if(material->hasRelief())
+	{
+		// Without texture coordinates that span the surface, any two
+		// directions across it serve.
+		if(!has_derivatives)
+		{
+			const Frame frame(shading);
+			dpdu = frame.s;
+			dpdv = frame.t;
+		}
+		shading = reliefNormal(*material, sp, shading, dpdu, dpdv);
 	}
 	sp.front_face = dot(dir, outward) < 0;
 	sp.geometric_normal = sp.front_face ? outward : -outward;
@@ -431,7 +583,7 @@ SurfacePoint TracerScene::surfaceAt(const RTCRayHit& hit, const V3& origin, cons
 	return sp;
 }
 
-void TracerScene::radiance(const Ray& camera_ray, Rng& rng, std::vector<V3>& layers, bool& hit_out, RayCounts* counts,
+void TracerScene::radiance(const Ray& primary, Rng& rng, std::vector<V3>& layers, bool& hit_out, RayCounts* counts,
 	std::vector<CastRay>* record) const
 {
 	// Tallied on the stack and added once at the end, so that counting
@@ -455,15 +607,17 @@ void TracerScene::radiance(const Ray& camera_ray, Rng& rng, std::vector<V3>& lay
 				*counts += *log.counts;
 		}
 	} logging(tally, record, counts);
-	auto cast = [&](const V3& o, const V3& d, float t_near, RTCRayHit& hit, uint64_t& counter) {
+	// Every ray of the path is cast at the camera ray's time.
+	const float time = primary.time;
+	auto cast = [&](const V3& o, const V3& d, float t_near, RTCRayHit& hit, bool camera_ray) {
 		const float t_far = std::numeric_limits<float>::infinity();
-		++counter;
+		++(camera_ray ? tally.camera : tally.bounce);
 		if(record)
-			record->push_back(CastRay{o, d, t_near, t_far, false});
-		return intersect(o, d, t_near, t_far, hit);
+			record->push_back(CastRay{o, d, t_near, t_far, time, false});
+		return intersect(o, d, t_near, t_far, time, hit, camera_ray);
 	};
 	hit_out = false;
-	V3 origin = camera_ray.origin, dir = camera_ray.dir;
+	V3 origin = primary.origin, dir = primary.dir;
 	V3 weight(1);
 	// The camera sees the sun's disc, as does every path after a specular
 	// bounce, which cannot sample the sun itself.
@@ -475,14 +629,14 @@ void TracerScene::radiance(const Ray& camera_ray, Rng& rng, std::vector<V3>& lay
 		const ShadingMaterial* material = nullptr;
 		bool invisible = false;
 		SurfacePoint sp;
-		bool found = cast(origin, dir, depth == 0 ? 0 : ray_epsilon, hit, depth == 0 ? tally.camera : tally.bounce);
+		bool found = cast(origin, dir, depth == 0 ? 0 : ray_epsilon, hit, depth == 0);
 		if(found)
 			sp = surfaceAt(hit, origin, dir, material, invisible);
 		// Geometry hidden from the camera lets camera rays through.
 		for(int skip = 0; found && invisible && depth == 0 && skip < 1000; ++skip)
 		{
 			origin = sp.position + dir * ray_epsilon;
-			found = cast(origin, dir, 0, hit, tally.camera);
+			found = cast(origin, dir, 0, hit, true);
 			if(found)
 				sp = surfaceAt(hit, origin, dir, material, invisible);
 		}
@@ -511,13 +665,12 @@ void TracerScene::radiance(const Ray& camera_ray, Rng& rng, std::vector<V3>& lay
 		{
 			// One direction within the sun's disc; the disc's radiance times
 			// its solid angle is its irradiance.
-			const Frame sun_frame(background.sun_dir);
-			const V3 wi = sun_frame.toWorld(sampleCone(rng.uniform(), rng.uniform(), background.sun_cos_max));
+			const V3 wi = background.sun_frame.toWorld(sampleCone(rng.uniform(), rng.uniform(), background.sun_cos_max));
 			const V3 f = evalLobe(lobe, sp, wo, wi);
 			if(!f.isBlack())
 			{
 				const V3 start = sp.position + sp.geometric_normal * (dot(wi, sp.geometric_normal) > 0 ? ray_epsilon : -ray_epsilon);
-				if(!occluded(start, wi, ray_epsilon, infinity))
+				if(!occluded(start, wi, ray_epsilon, infinity, sp.time))
 					layers[background.sun_layer] += weight * f * background.sun_irradiance;
 			}
 		}

@@ -3,6 +3,8 @@
 #include "standin/background.h"
 #include "standin/camera.h"
 #include "standin/ies_profile.h"
+#include "standin/motion_path.h"
+#include "standin/section_planes.h"
 #include "standin/surface_materials.h"
 
 #include <embree3/rtcore.h>
@@ -37,13 +39,31 @@ struct PlacedMesh
 	// the model has no IES profile.
 	std::vector<int> triangle_emitters;
 	bool invisible_to_camera = false;
+	uint32_t section_mask = 0;  // the section planes that cut it
+
+	// A mesh that moves while the shutter is open: the positions at
+	// time_steps evenly spaced times from 0 to 1, one set after another,
+	// and its path, which turns the shading normals (given at time 0) to
+	// the time of a hit.
+	unsigned time_steps = 1;
+	std::vector<V3> step_positions;
+	std::unique_ptr<MotionPath> motion;
+	Matrix3d start_rotation;
 };
 
 struct PlacedSphere
 {
-	V3 centre;
+	V3 centre;  // at time 0
 	float radius = 1;
 	const ShadingMaterial* material = nullptr;
+	uint32_t section_mask = 0;
+	// A moving sphere's centres at evenly spaced times from 0 to 1; empty
+	// for one that stands still.
+	std::vector<V3> step_centres;
+
+	// Between time steps the centre moves in a straight line, as Embree
+	// moves the bounds.
+	V3 centreAt(float time) const;
 };
 
 // The renderer's settings that the tracer reads.
@@ -79,6 +99,7 @@ struct CastRay
 {
 	V3 origin, dir;
 	float t_near = 0, t_far = 0;
+	float time = 0;
 	bool shadow = false;  // an occlusion query
 };
 
@@ -104,16 +125,22 @@ public:
 		std::vector<CastRay>* record = nullptr) const;
 
 	const Camera& getCamera() const { return *camera; }
+	// True when the camera or anything in the scene moves while the shutter
+	// is open: paths then need a time.
+	bool hasMotion() const { return has_motion; }
 	const TraceSettings& getSettings() const { return settings; }
 	// Things the scene holds that this renderer leaves out or simplifies.
 	const std::vector<std::string>& getWarnings() const { return warnings; }
 
-	// The first hit along a ray beyond t_near, or false. Public for the
-	// benchmark and tests.
-	bool intersect(const V3& origin, const V3& dir, float t_near, float t_far, RTCRayHit& out) const;
-	bool occluded(const V3& origin, const V3& dir, float t_near, float t_far) const;
+	// The first hit along a ray beyond t_near at a time while the shutter
+	// is open, or false; section planes cut more for camera rays. Public
+	// for the benchmark and tests.
+	bool intersect(const V3& origin, const V3& dir, float t_near, float t_far, float time, RTCRayHit& out,
+		bool camera_ray = false) const;
+	bool occluded(const V3& origin, const V3& dir, float t_near, float t_far, float time) const;
 
 private:
+	void addSpheres(const SceneNodeRoot& root);
 	void addModels(const SceneNodeRoot& root, const std::string& scene_dir);
 	void buildEmbree();
 	SurfacePoint surfaceAt(const RTCRayHit& hit, const V3& origin, const V3& dir, const ShadingMaterial*& material,
@@ -140,9 +167,12 @@ private:
 	TextureCache textures;
 	MaterialLibrary materials;
 	Background background;
+	SectionPlanes section_planes;
 	std::vector<PlacedMesh> meshes;
 	std::vector<PlacedSphere> spheres;
 	std::vector<std::string> warnings;
+	bool has_motion = false;
+	unsigned sphere_time_steps = 1;
 
 	struct IesTriangle
 	{
@@ -161,6 +191,7 @@ private:
 	unsigned sphere_geometry = RTC_INVALID_GEOMETRY_ID;
 
 	friend struct SphereCallbacks;
+	friend struct SectionFilter;
 };
 
 } // namespace Standin

@@ -1,4 +1,5 @@
 #include "scene/materials_other.h"
+#include "scene/scene_node_section_plane.h"
 #include "standin/progressive_render.h"
 #include "standin/standin_test_helpers.h"
 #include "standin/tracer_scene.h"
@@ -134,6 +135,138 @@ TEST(TracerScene, LightLayersSumToTheWhole)
 			}
 	// The emitter's layer holds light of its own.
 	EXPECT_GT(layer1_total, 0);
+}
+
+// The UID of the root's first child of this type.
+UID uidOfFirst(const SceneNodeRoot& root, unsigned type)
+{
+	for(const Reference<SceneNode>& child : root.getChildren())
+		if(child->getType() == type)
+			return child->uid;
+	return UID::invalidUID();
+}
+
+TEST(TracerScene, SectionPlanesCutAwayTheirFrontSide)
+{
+	// A sphere of radius 1 at (0, 0, 2) over a floor at z = 0; rays go
+	// straight down from z = 5. At x = 0 the sphere's top is 2 away, its
+	// inside bottom 4; at x = 0.5 its top is 5 - (2 + sqrt(0.75)) away; at
+	// x = 1.5 the ray misses the sphere and meets the floor 5 away.
+	const float top_at_half = 3 - std::sqrt(0.75f);
+	enum Listed
+	{
+		NoList,
+		IncludeSphere
+	};
+	const struct
+	{
+		const char* name;
+		V3 point, normal;
+		bool cull, enabled;
+		Listed list;
+		float x;
+		bool camera_ray;
+		float expected;  // the hit's distance, or -1 for none
+	} cases[] = {
+		{"top cut off", V3(0, 0, 2.5f), V3(0, 0, 1), true, true, NoList, 0, false, 4},
+		{"bottom cut off", V3(0, 0, 2.5f), V3(0, 0, -1), true, true, NoList, 0, false, 2},
+		{"disabled", V3(0, 0, 2.5f), V3(0, 0, 1), true, false, NoList, 0, false, 2},
+		{"half along x", V3(0, 0, 0), V3(1, 0, 0), true, true, NoList, 0.5f, false, -1},
+		{"behind a plane along x", V3(1, 0, 0), V3(1, 0, 0), true, true, NoList, 0.5f, false, top_at_half},
+		{"unnormalised y axis", V3(0, -1, 0), V3(0, 3, 0), true, true, NoList, 0.5f, false, -1},
+		{"floor cut", V3(0, 0, 1), V3(0, 0, -1), true, true, NoList, 1.5f, false, -1},
+		{"floor kept", V3(0, 0, 1), V3(0, 0, 1), true, true, NoList, 1.5f, false, 5},
+		{"listed sphere cut", V3(0, 0, 2.5f), V3(0, 0, 1), true, true, IncludeSphere, 0, false, 4},
+		{"floor not listed", V3(0, 0, 1), V3(0, 0, -1), true, true, IncludeSphere, 1.5f, false, 5},
+		{"no culling: camera ray cut", V3(0, 0, 2.5f), V3(0, 0, 1), false, true, NoList, 0, true, 4},
+		{"no culling: other ray not", V3(0, 0, 2.5f), V3(0, 0, 1), false, true, NoList, 0, false, 2},
+		{"no culling: floor hidden from the camera", V3(0, 0, 1), V3(0, 0, -1), false, true, NoList, 1.5f, true, -1},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.name);
+		Reference<SceneNodeRoot> root = makeRoot(4, 4, Vec3d(0, -5, 0), Vec3d(0, 1, 0));
+		addUniformBackground(*root, 1.0, 0);
+		addSphere(*root, Vec3d(0, 0, 2), 1, addMaterial(*root, diffuse(0.5)));
+		addFloor(*root, 2, addMaterial(*root, diffuse(0.5)));
+		Reference<SceneNodeSectionPlane> plane = new SceneNodeSectionPlane();
+		plane->point = Vec3d(c.point.x, c.point.y, c.point.z);
+		plane->normal = Vec3d(c.normal.x, c.normal.y, c.normal.z);
+		plane->cull_geometry = c.cull;
+		plane->enabled = c.enabled;
+		if(c.list == IncludeSphere)
+		{
+			plane->object_list_type = SceneNodeSectionPlane::Include;
+			plane->object_list.push_back(uidOfFirst(*root, SceneNodeType::Sphere));
+		}
+		root->addChildNode(plane);
+		TracerScene scene(*root, ".");
+
+		RTCRayHit hit;
+		const V3 origin(c.x, 0, 5), down(0, 0, -1);
+		const bool found = scene.intersect(origin, down, 0, 100, 0, hit, c.camera_ray);
+		if(c.expected < 0)
+			EXPECT_FALSE(found) << hit.ray.tfar;
+		else
+		{
+			ASSERT_TRUE(found);
+			EXPECT_NEAR(hit.ray.tfar, c.expected, 1e-4f);
+		}
+		// Occlusion queries are never camera rays.
+		if(!c.camera_ray)
+		{
+			EXPECT_EQ(scene.occluded(origin, down, 0, 100, 0), c.expected >= 0);
+		}
+	}
+}
+
+TEST(TracerScene, MovingGeometryStandsWhereItsKeyframesPutItAtTheRaysTime)
+{
+	// A sphere of radius 0.5 moving from (-2, -1.5, 3) to (2, -1.5, 3), and
+	// the floor (z = 0, 4 m square) turning a quarter about +x, which takes
+	// +y up to +z. Embree moves the floor's corners in straight lines, so
+	// halfway the floor is the plane z = y. Rays go straight down from z = 5.
+	Reference<SceneNodeRoot> root = makeRoot(4, 4, Vec3d(0, -5, 0), Vec3d(0, 1, 0));
+	addUniformBackground(*root, 1.0, 0);
+	Reference<SceneNodeMaterial> grey = addMaterial(*root, diffuse(0.5));
+	addSphere(*root, Vec3d(-2, -1.5, 3), 0.5, grey);
+	addFloor(*root, 2, grey);
+	for(const Reference<SceneNode>& child : root->getChildren())
+		if(child->getType() == SceneNodeType::Sphere)
+			static_cast<SceneNodeSphere&>(*child).keyframes.push_back(KeyFrame{Vec3d(2, -1.5, 3), 1, Vec3d(0, 0, 1), 0});
+		else if(child->getType() == SceneNodeType::Model)
+			static_cast<SceneNodeModel&>(*child).keyframes.push_back(
+				KeyFrame{Vec3d(0, 0, 0), 1, Vec3d(1, 0, 0), 3.14159265358979 / 2});
+	TracerScene scene(*root, ".");
+	EXPECT_TRUE(scene.hasMotion());
+
+	const struct
+	{
+		const char* name;
+		float x, y, time;
+		float expected;  // the hit's distance, or -1 for none
+	} cases[] = {
+		{"sphere at the start", -2, -1.5f, 0, 1.5f},
+		{"sphere gone from the start", -2, -1.5f, 1, -1},
+		{"sphere halfway", 0, -1.5f, 0.5f, 1.5f},
+		{"sphere at the end", 2, -1.5f, 1, 1.5f},
+		{"floor flat", 0, 0.5f, 0, 5},
+		{"floor half turned", 0, 0.5f, 0.5f, 4.5f},
+		{"floor upright", 0, 0.5f, 1, -1},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.name);
+		RTCRayHit hit;
+		const V3 origin(c.x, c.y, 5), down(0, 0, -1);
+		const bool found = scene.intersect(origin, down, 0, 100, c.time, hit);
+		EXPECT_EQ(found, c.expected >= 0);
+		if(found && c.expected >= 0)
+		{
+			EXPECT_NEAR(hit.ray.tfar, c.expected, 1e-4f);
+		}
+		EXPECT_EQ(scene.occluded(origin, down, 0, 100, c.time), c.expected >= 0);
+	}
 }
 
 TEST(TracerScene, RejectsWhatItCannotRender)

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -84,7 +85,9 @@ TempDir::TempDir()
 
 std::string TempDir::file(const std::string& name) const
 {
-	return dir + (char)std::filesystem::path::preferred_separator + name;
+	std::string path = dir + '/' + name;
+	std::replace(path.begin(), path.end(), '/', (char)std::filesystem::path::preferred_separator);
+	return path;
 }
 
 TempDir::~TempDir()

@@ -29,7 +29,8 @@ public:
 
 	const std::string& path() const { return dir; }
 	// The name joined to the directory with the system's separator, as the
-	// library joins a directory and a name.
+	// library joins a directory and a name. A relative name with '/' between
+	// its parts gets the system's separator there too.
 	std::string file(const std::string& name) const;
 
 private:

@@ -20,6 +20,7 @@
 #include "materials/material_import.h"
 #include "materials/new_material_command.h"
 #include "render/render_state.h"
+#include "render/tonemap_dialog.h"
 #include "render/video_post.h"
 #include "sdk/hardware_info.h"
 #include "shaders/shader_plugins.h"
@@ -87,6 +88,7 @@ bool registerPlugins()
 		RegisterResumeRenderingCommand,
 		RegisterPauseRenderingCommand,
 		RegisterUpdateImageCommand,
+		RegisterTonemapCommand,
 		RegisterVelornInstance,
 		RegisterSectionPlane,
 		RegisterVelornVideoPost,
