@@ -58,6 +58,22 @@ int run(const std::string& file, const std::function<std::string()>& command, co
 
 std::string withNewline(const std::string& text) { return text + "\n"; }
 
+// The --plugins option of a command that starts the plug-in, which defaults
+// to the plug-in directory of this build.
+void addPluginsOption(CLI::App* command, std::string& plugins)
+{
+	plugins = VELORN_PLUGIN_DIR;
+	command->add_option("--plugins", plugins, "The host's plug-in directory")->capture_default_str();
+}
+
+// The --renderer option of a command that renders, which defaults to the
+// stand-in renderer of this build.
+void addRendererOption(CLI::App* command, std::string& renderer_dir, const std::string& help)
+{
+	renderer_dir = VELORN_RENDERER_DIR;
+	command->add_option("--renderer", renderer_dir, help)->capture_default_str();
+}
+
 // The export prints the host's console first, also when it failed.
 int runExport(const ExportCommand::Options& options)
 {
@@ -113,7 +129,6 @@ int main(int argc, char** argv)
 	convert->add_option("OUT", mesh_out, "The .vlmesh file to write")->required();
 
 	ExportCommand::Options export_options;
-	export_options.plugins = VELORN_PLUGIN_DIR;
 	CLI::App* exporter = app.add_subcommand("export",
 		"Load a host document (JSON, see docs/document-format.md) into the headless host, start the plug-in, "
 		"export one frame and write the scene with its meshes; prints the plug-in's console.");
@@ -123,10 +138,9 @@ int main(int argc, char** argv)
 	int frame = 0;
 	CLI::Option* frame_option =
 		exporter->add_option("--frame", frame, "Frame to export (default: the document's current frame)");
-	exporter->add_option("--plugins", export_options.plugins, "The host's plug-in directory")->capture_default_str();
+	addPluginsOption(exporter, export_options.plugins);
 
 	DocumentCommands::CommandOptions command_options;
-	command_options.plugins = VELORN_PLUGIN_DIR;
 	std::vector<std::string> answers;
 	CLI::App* command = app.add_subcommand("command",
 		"Load a host document, run one of the plug-in's commands on it as a menu click would (such as "
@@ -143,18 +157,17 @@ int main(int argc, char** argv)
 		"before any --press; such as --set 10011=256 --set 10017=/tmp/car.jpg");
 	command->add_option("--press", command_options.presses,
 		"The id of a button clicked in the dialog, after the --set values, in order; such as --press 10001");
-	command->add_option("--plugins", command_options.plugins, "The host's plug-in directory")->capture_default_str();
+	addPluginsOption(command, command_options.plugins);
 
-	std::string describe_document, describe_node, describe_plugins = VELORN_PLUGIN_DIR;
+	std::string describe_document, describe_node, describe_plugins;
 	CLI::App* describe = app.add_subcommand("describe",
 		"Load a host document and print what the attribute manager shows of one material, object, tag or "
 		"shader: its visible groups and parameters with their ids and values, and which are disabled.");
 	describe->add_option("DOCUMENT", describe_document, "Document file")->required();
 	describe->add_option("NODE", describe_node, "The name of the node")->required();
-	describe->add_option("--plugins", describe_plugins, "The host's plug-in directory")->capture_default_str();
+	addPluginsOption(describe, describe_plugins);
 
 	MaterialCommands::ImportOptions import_options;
-	import_options.plugins = VELORN_PLUGIN_DIR;
 	CLI::App* import_material = app.add_subcommand("import-material",
 		"Import a material file of the renderer (.vlm, or a packed .pvlm) into a host document as the plug-in's "
 		"materials, as the command \"Import .vlm\" does; print its console lines and warnings and save the "
@@ -162,12 +175,9 @@ int main(int argc, char** argv)
 	import_material->add_option("FILE", import_options.file, "Material file (.vlm or .pvlm)")->required();
 	import_material->add_option("DOCUMENT", import_options.document, "Document file")->required();
 	import_material->add_option("-o,--out", import_options.out, "Document file to save to (default: DOCUMENT)");
-	import_material->add_option("--plugins", import_options.plugins, "The host's plug-in directory")
-		->capture_default_str();
+	addPluginsOption(import_material, import_options.plugins);
 
 	RenderCommand::Options render_options;
-	render_options.plugins = VELORN_PLUGIN_DIR;
-	render_options.renderer_dir = VELORN_RENDERER_DIR;
 	CLI::App* render = app.add_subcommand("render",
 		"Run \"Render with Velorn\" on a host document: export it to the quick render folder (or where its render "
 		"settings say), write a render queue for an animation and start the renderer; print the console, the "
@@ -175,10 +185,9 @@ int main(int argc, char** argv)
 	render->add_option("DOCUMENT", render_options.document, "Document file")->required();
 	render->add_flag("--animation", render_options.animation,
 		"Render the frame range of the document's render data, one scene a frame, as a queue");
-	render->add_option("--renderer", render_options.renderer_dir,
-			"The renderer's directory, given when the plug-in asks where the renderer is")
-		->capture_default_str();
-	render->add_option("--plugins", render_options.plugins, "The host's plug-in directory")->capture_default_str();
+	addRendererOption(render, render_options.renderer_dir,
+		"The renderer's directory, given when the plug-in asks where the renderer is");
+	addPluginsOption(render, render_options.plugins);
 	render->add_flag("--in-host", render_options.in_host,
 		"Render inside the host through the plug-in's video post and the renderer's SDK library (from --renderer), "
 		"and save the host's picture (-o). Example: velorn render examples/studio.json --in-host -o studio.png --spp 4");
@@ -187,18 +196,15 @@ int main(int argc, char** argv)
 	render->add_option("--tonemap", render_options.tonemap, TonemapChanges::help);
 
 	DrawCommand::Options draw_options;
-	draw_options.plugins = VELORN_PLUGIN_DIR;
 	CLI::App* draw = app.add_subcommand("draw",
 		"Draw the editor's view of a host document (the camera tag's render region, instances, section planes, "
 		"the objects' wires) into a PNG.");
 	draw->add_option("DOCUMENT", draw_options.document, "Document file")->required();
 	draw->add_option("-o,--out", draw_options.image, "PNG file to write")->required();
 	draw->add_option("--size", draw_options.size, "The view's size in pixels, WxH")->capture_default_str();
-	draw->add_option("--plugins", draw_options.plugins, "The host's plug-in directory")->capture_default_str();
+	addPluginsOption(draw, draw_options.plugins);
 
 	PreviewCommand::Options preview_options;
-	preview_options.plugins = VELORN_PLUGIN_DIR;
-	preview_options.renderer_dir = VELORN_RENDERER_DIR;
 	CLI::App* preview = app.add_subcommand("preview",
 		"Render the material manager's preview of one material of a host document, as the host's preview asks "
 		"the material for it: in the plug-in's preview scene, through the video post and the renderer's SDK "
@@ -210,8 +216,8 @@ int main(int argc, char** argv)
 	preview->add_option("--quality", preview_options.quality, "The material's preview quality for this preview")
 		->check(CLI::IsMember(std::vector<std::string>(std::begin(PreviewCommand::quality_names),
 			std::end(PreviewCommand::quality_names))));
-	preview->add_option("--renderer", preview_options.renderer_dir, "The renderer's directory")->capture_default_str();
-	preview->add_option("--plugins", preview_options.plugins, "The host's plug-in directory")->capture_default_str();
+	addRendererOption(preview, preview_options.renderer_dir, "The renderer's directory");
+	addPluginsOption(preview, preview_options.plugins);
 	preview->footer("Example: velorn preview \"Glossy Floor\" examples/studio.json -o out/preview.png --size 64 "
 					"--quality low");
 
