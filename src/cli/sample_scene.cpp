@@ -56,7 +56,9 @@ Reference<Mesh> boxMesh()
 	for(int axis = 0; axis < 3; ++axis)
 		for(float side : {-0.5f, 0.5f})
 		{
-			// Two axes span the face; order the corners so the face points out.
+			// Two axes span the face. The corners are laid out counter-clockwise
+			// seen from outside; the quad takes them the other way round, since
+			// a scene's polygon runs clockwise seen from its front.
 			const int u = (axis + 1) % 3, v = (axis + 2) % 3;
 			const float su[4] = {-0.5f, 0.5f, 0.5f, -0.5f};
 			const float sv[4] = {-0.5f, -0.5f, 0.5f, 0.5f};
@@ -70,8 +72,8 @@ Reference<Mesh> boxMesh()
 				n[axis] = side > 0 ? 1.f : -1.f;
 				mesh->addVertex(Vec3f{p[0], p[1], p[2]}, Vec3f{n[0], n[1], n[2]});
 			}
-			const uint32_t quad[4] = {first, first + 1, first + 2, first + 3};
-			const uint32_t uvs[4] = {0, 1, 2, 3};
+			const uint32_t quad[4] = {first, first + 3, first + 2, first + 1};
+			const uint32_t uvs[4] = {0, 3, 2, 1};
 			mesh->addQuad(quad, uvs, 0);
 		}
 	mesh->endOfModel();

@@ -93,7 +93,8 @@ void readMeshLightProfile(const TiXmlElement& element, const std::string& dir, S
 }
 
 // One quad of width by height about centre in the plane z = centre.z,
-// facing down (towards -z), of the material "default".
+// facing down (towards -z), of the material "default": its corners run
+// clockwise seen from below, as a scene's polygons do seen from their front.
 Reference<Mesh> rectangleMesh(const Vec3d& centre, double width, double height)
 {
 	const float x0 = (float)(centre.x - width / 2), x1 = (float)(centre.x + width / 2);
@@ -105,7 +106,7 @@ Reference<Mesh> rectangleMesh(const Vec3d& centre, double width, double height)
 	mesh->addVertex(Vec3f{x0, y1, z});
 	mesh->addVertex(Vec3f{x1, y1, z});
 	mesh->addVertex(Vec3f{x1, y0, z});
-	mesh->addQuad({0, 1, 2, 3}, {0, 0, 0, 0}, 0);
+	mesh->addQuad({0, 3, 2, 1}, {0, 0, 0, 0}, 0);
 	mesh->endOfModel();
 	return mesh;
 }

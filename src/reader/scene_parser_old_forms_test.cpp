@@ -102,6 +102,8 @@ TEST(SceneParserOldForms, RectangleLights)
 	EXPECT_EQ(mesh.used_materials, (Vector<String>{"default"}));
 	EXPECT_EQ(mesh.verts, (Vector<Vec3f>{{-1, 1, 3}, {-1, 3, 3}, {3, 3, 3}, {3, 1, 3}}));
 	ASSERT_EQ(mesh.quads.size(), 1u);
+	const uint32_t* corners = mesh.quads[0].vertex_indices;
+	EXPECT_EQ(std::vector<uint32_t>(corners, corners + 4), (std::vector<uint32_t>{0, 3, 2, 1}));
 	EXPECT_EQ(mesh.num_materials_referenced, 1u);
 
 	const SceneNodeModel& model = child<SceneNodeModel>(root, 2);

@@ -201,11 +201,14 @@ Reference<SceneNodeRoot> cornellScene(int size)
 	for(const char* name : {"white", "red", "green", "light"})
 		mesh->addMaterialUsed(name);
 	const uint32_t no_uv[4] = {0, 0, 0, 0};
+	// Each quad is given counter-clockwise as seen from inside the box; the
+	// scene winds a polygon clockwise seen from its front, so its corners
+	// go in the other order.
 	auto quad = [&](const V3& a, const V3& b, const V3& c, const V3& d, uint32_t material) {
 		const uint32_t base = (uint32_t)mesh->verts.size();
 		for(const V3& p : {a, b, c, d})
 			mesh->addVertex(Vec3f{p.x, p.y, p.z});
-		const uint32_t idx[4] = {base, base + 1, base + 2, base + 3};
+		const uint32_t idx[4] = {base, base + 3, base + 2, base + 1};
 		mesh->addQuad(idx, no_uv, material);
 	};
 	quad(V3(0, 0, 0), V3(1, 0, 0), V3(1, 1, 0), V3(0, 1, 0), 0);

@@ -97,7 +97,8 @@ inline void addSphere(SceneNodeRoot& root, const Vec3d& centre, double radius, c
 }
 
 // A square floor in the plane z = 0, of the given half side, with a mesh of
-// its own and the given material.
+// its own and the given material. It faces up: its corners run clockwise
+// seen from above, as a scene's polygons do seen from their front.
 inline void addFloor(SceneNodeRoot& root, float half_side, const Reference<SceneNodeMaterial>& material)
 {
 	Reference<Mesh> mesh = new Mesh();
@@ -106,7 +107,7 @@ inline void addFloor(SceneNodeRoot& root, float half_side, const Reference<Scene
 	mesh->addVertex(Vec3f{half_side, -half_side, 0});
 	mesh->addVertex(Vec3f{half_side, half_side, 0});
 	mesh->addVertex(Vec3f{-half_side, half_side, 0});
-	const uint32_t v[4] = {0, 1, 2, 3}, uv[4] = {0, 0, 0, 0};
+	const uint32_t v[4] = {0, 3, 2, 1}, uv[4] = {0, 0, 0, 0};
 	mesh->addQuad(v, uv, 0);
 	mesh->endOfModel();
 	Reference<SceneNodeMesh> mesh_node = new SceneNodeMesh();

@@ -148,7 +148,7 @@ void TracerScene::sampleIesLights(const Lobe& lobe, const SurfacePoint& sp, cons
 		return;
 	const float distance = std::sqrt(distance2);
 	wi = wi / distance;
-	const V3 outward = normalise(cross(p1 - p0, p2 - p0));
+	const V3 outward = normalise(frontOfWinding(cross(p1 - p0, p2 - p0)));
 	const float cos_lamp = -dot(wi, outward);
 	if(cos_lamp == 0)
 		return;

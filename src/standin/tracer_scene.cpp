@@ -534,9 +534,9 @@ SurfacePoint TracerScene::surfaceAt(const RTCRayHit& hit, const V3& origin, cons
 	{
 		const PlacedMesh& mesh = meshes[geometry_mesh[hit.hit.geomID]];
 		const size_t tri = hit.hit.primID;
-		// Embree's geometric normal is (p1 - p0) x (p2 - p0), as the mesh
-		// winds it; taking it spares loading the corners.
-		outward = normalise(V3(hit.hit.Ng_x, hit.hit.Ng_y, hit.hit.Ng_z));
+		// Embree's geometric normal follows the corners as they move;
+		// taking it spares loading them.
+		outward = normalise(frontOfWinding(V3(hit.hit.Ng_x, hit.hit.Ng_y, hit.hit.Ng_z)));
 		const float b1 = hit.hit.u, b2 = hit.hit.v, b0 = 1 - b1 - b2;
 		if(mesh.corner_normals.empty())
 			shading = outward;

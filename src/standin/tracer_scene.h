@@ -23,6 +23,14 @@ struct Matrix3d;
 namespace Standin
 {
 
+// The scene keeps the host's winding of polygons, since the exchange of y
+// and z that takes a host point into the scene mirrors the handedness too:
+// seen from its front, a triangle's corners run clockwise here as they did
+// in the host. Its front is therefore the side that -(p1 - p0) x (p2 - p0)
+// points to, where the exported normals point as well. winding_normal is
+// (p1 - p0) x (p2 - p0), as Embree gives its geometric normal.
+inline V3 frontOfWinding(const V3& winding_normal) { return -winding_normal; }
+
 // A triangle mesh placed in the world by its model: positions and normals
 // already transformed, one material per polygon through the model's list.
 struct PlacedMesh
