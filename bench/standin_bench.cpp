@@ -140,6 +140,18 @@ Scene& sceneFor(int which)
 	return s;
 }
 
+// Both scenes, each with one thread and with two, timed by the wall clock.
+void eachSceneOnOneAndTwoThreads(benchmark::internal::Benchmark* benchmark)
+{
+	benchmark->ArgNames({"scene", "threads"})
+		->Args({0, 1})
+		->Args({0, 2})
+		->Args({1, 1})
+		->Args({1, 2})
+		->Unit(benchmark::kMillisecond)
+		->UseRealTime();
+}
+
 void BM_PathTracerPass(benchmark::State& state)
 {
 	Scene& s = sceneFor((int)state.range(0));
@@ -168,14 +180,7 @@ void BM_PathTracerPass(benchmark::State& state)
 	state.counters["rays/path"] = counts.total() / paths;
 	state.counters["shadow/path"] = counts.shadow / paths;
 }
-BENCHMARK(BM_PathTracerPass)
-	->ArgNames({"scene", "threads"})
-	->Args({0, 1})
-	->Args({0, 2})
-	->Args({1, 1})
-	->Args({1, 2})
-	->Unit(benchmark::kMillisecond)
-	->UseRealTime();
+BENCHMARK(BM_PathTracerPass)->Apply(eachSceneOnOneAndTwoThreads);
 
 void BM_BareEmbreeCast(benchmark::State& state)
 {
@@ -219,14 +224,7 @@ void BM_BareEmbreeCast(benchmark::State& state)
 	state.SetItemsProcessed((int64_t)(state.iterations() * s.rays.size()));
 	state.counters["rays/cpu_s"] = state.iterations() * s.rays.size() / cpu_seconds;
 }
-BENCHMARK(BM_BareEmbreeCast)
-	->ArgNames({"scene", "threads"})
-	->Args({0, 1})
-	->Args({0, 2})
-	->Args({1, 1})
-	->Args({1, 2})
-	->Unit(benchmark::kMillisecond)
-	->UseRealTime();
+BENCHMARK(BM_BareEmbreeCast)->Apply(eachSceneOnOneAndTwoThreads);
 
 } // namespace
 

@@ -204,24 +204,18 @@ bool TonemapDialog::CreateLayout()
 	for(const Kind& kind : kinds)
 		AddChild(TM_TYPE, kind.gadget, String(kind.name));
 	GroupBegin(0, BFH_SCALEFIT, 2, 0, String("Linear"));
-	AddStaticText(0, BFH_LEFT, 0, 0, String("Scale"));
-	AddEditSlider(TM_LINEAR_SCALE, BFH_SCALEFIT);
+	addSliderRow("Scale", TM_LINEAR_SCALE);
 	GroupEnd();
 	GroupBegin(0, BFH_SCALEFIT, 2, 0, String("Reinhard"));
-	AddStaticText(0, BFH_LEFT, 0, 0, String("Pre Scale"));
-	AddEditSlider(TM_PRE_SCALE, BFH_SCALEFIT);
-	AddStaticText(0, BFH_LEFT, 0, 0, String("Post Scale"));
-	AddEditSlider(TM_POST_SCALE, BFH_SCALEFIT);
-	AddStaticText(0, BFH_LEFT, 0, 0, String("Burn"));
-	AddEditSlider(TM_BURN, BFH_SCALEFIT);
+	addSliderRow("Pre Scale", TM_PRE_SCALE);
+	addSliderRow("Post Scale", TM_POST_SCALE);
+	addSliderRow("Burn", TM_BURN);
 	GroupEnd();
 	GroupBegin(0, BFH_SCALEFIT, 2, 0, String("Camera"));
 	AddStaticText(0, BFH_LEFT, 0, 0, String("Response Function"));
 	AddComboBox(TM_RESPONSE, BFH_SCALEFIT);
-	AddStaticText(0, BFH_LEFT, 0, 0, String("Film ISO"));
-	AddEditSlider(TM_FILM_ISO, BFH_SCALEFIT);
-	AddStaticText(0, BFH_LEFT, 0, 0, String("EV Adjust"));
-	AddEditSlider(TM_EV_ADJUST, BFH_SCALEFIT);
+	addSliderRow("Film ISO", TM_FILM_ISO);
+	addSliderRow("EV Adjust", TM_EV_ADJUST);
 	GroupEnd();
 	GroupBegin(0, BFH_SCALEFIT, 2, 0, String("White Point"));
 	AddStaticText(0, BFH_LEFT, 0, 0, String("Preset"));
@@ -229,10 +223,8 @@ bool TonemapDialog::CreateLayout()
 	AddChild(TM_WHITE_PRESET, 0, String("None"));
 	for(const WhitePreset& preset : white_presets)
 		AddChild(TM_WHITE_PRESET, preset.entry, String(preset.name));
-	AddStaticText(0, BFH_LEFT, 0, 0, String("x"));
-	AddEditSlider(TM_WHITE_X, BFH_SCALEFIT);
-	AddStaticText(0, BFH_LEFT, 0, 0, String("y"));
-	AddEditSlider(TM_WHITE_Y, BFH_SCALEFIT);
+	addSliderRow("x", TM_WHITE_X);
+	addSliderRow("y", TM_WHITE_Y);
 	GroupEnd();
 	GroupEnd();
 	GroupBegin(TM_LAYERS, BFH_SCALEFIT, 1, 0, String("Light Layers"));
@@ -240,6 +232,13 @@ bool TonemapDialog::CreateLayout()
 	buildLayerGadgets();
 	SetTimer(message_period_ms);
 	return true;
+}
+
+// One row of a two-column group: the label, then the slider.
+void TonemapDialog::addSliderRow(const char* label, int32_t id)
+{
+	AddStaticText(0, BFH_LEFT, 0, 0, String(label));
+	AddEditSlider(id, BFH_SCALEFIT);
 }
 
 void TonemapDialog::buildLayerGadgets()

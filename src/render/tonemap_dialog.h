@@ -70,6 +70,7 @@ public:
 
 private:
 	// The gadgets of each layer of the render's settings, in group 6034.
+	void addSliderRow(const char* label, int32_t id);
 	void buildLayerGadgets();
 	// Writes the gadgets' values into the render's nodes, under the render
 	// state's lock, and marks the nodes as changed.
