@@ -13,6 +13,7 @@
 #include "host/plugin_ids.h"
 #include "host/settings.h"
 #include "support/file_utils.h"
+#include "support/test_files.h"
 #include "support/user_data_dir.h"
 
 #include <cmath>
@@ -76,19 +77,17 @@ double wallLight(const Table& table, double x, double z)
 	return candela(table, theta, phi) * cos_wall / r2;
 }
 
-// The mean of wallLight over the wall seen by a pixel, from 4 by 4 points.
-double pixelLight(const Table& table, int px, int py)
+// The mean of wallLight over the wall seen by the 3 by 3 pixels about
+// (px, py), from 4 by 4 points in each pixel.
+double expectedLight(const Table& table, int px, int py)
 {
 	const double pixel = wall_side / picture_side;
 	double sum = 0;
-	for(int i = 0; i < 4; ++i)
-		for(int j = 0; j < 4; ++j)
-		{
-			const double x = -wall_side / 2 + (px + (i + 0.5) / 4) * pixel;
-			const double z = wall_side / 2 - (py + (j + 0.5) / 4) * pixel;
-			sum += wallLight(table, x, z);
-		}
-	return sum / 16;
+	for(int i = 0; i < 12; ++i)
+		for(int j = 0; j < 12; ++j)
+			sum += wallLight(table, -wall_side / 2 + (px - 1 + (i + 0.5) / 4) * pixel,
+				wall_side / 2 - (py - 1 + (j + 0.5) / 4) * pixel);
+	return sum / 144;
 }
 
 class IesPreviewRenderTest : public HostPluginTest
@@ -135,13 +134,20 @@ protected:
 		return sum / 9;
 	}
 
-	static double expectedLight(const Table& table, int px, int py)
+	// Presses the preview button.
+	static bool press(BaseTag* tag)
 	{
-		double sum = 0;
-		for(int dx = -1; dx <= 1; ++dx)
-			for(int dy = -1; dy <= 1; ++dy)
-				sum += pixelLight(table, px + dx, py + dy);
-		return sum / 9;
+		DescriptionCommand command;
+		command.id = lt_preview_button;
+		return tag->Message(MSG_DESCRIPTION_COMMAND, &command);
+	}
+
+	// The gadget's picture, null when it shows none.
+	static const BaseBitmap* shownPicture(BaseTag* tag, GeData& holder)
+	{
+		EXPECT_TRUE(tag->GetParameter(DescID(lt_preview_gadget), holder));
+		const BitmapGadgetData* gadget = GetBitmapGadgetData(holder);
+		return gadget ? gadget->GetBitmap() : nullptr;
 	}
 
 	VelornTest::TempDir home;
@@ -183,16 +189,10 @@ TEST_F(IesPreviewRenderTest, WallIsLitAsTheCandelaTableSays)
 	{
 		SCOPED_TRACE(c.profile);
 		BaseTag* tag = lightTag(VelornTest::testDataPath(c.profile));
-		DescriptionCommand command;
-		command.id = lt_preview_button;
-		ASSERT_TRUE(tag->Message(MSG_DESCRIPTION_COMMAND, &command));
+		ASSERT_TRUE(press(tag));
 		ASSERT_EQ(outcome(tag), IesPreviewOutcome::Rendered);
-
 		GeData holder;
-		ASSERT_TRUE(tag->GetParameter(DescID(lt_preview_gadget), holder));
-		const BitmapGadgetData* gadget = GetBitmapGadgetData(holder);
-		ASSERT_NE(gadget, nullptr);
-		const BaseBitmap* shown = gadget->GetBitmap();
+		const BaseBitmap* shown = shownPicture(tag, holder);
 		ASSERT_NE(shown, nullptr);
 		ASSERT_EQ(shown->GetBw(), picture_side);
 		ASSERT_EQ(shown->GetBh(), picture_side);
@@ -225,15 +225,11 @@ TEST_F(IesPreviewRenderTest, ProfileCutShortGivesNoPicture)
 	const std::string profile = lamps.file("cut.ies");
 	VelornTest::writeFile(profile, full.substr(0, full.rfind("1000")));
 	BaseTag* tag = lightTag(profile);
-	DescriptionCommand command;
-	command.id = lt_preview_button;
-	EXPECT_FALSE(tag->Message(MSG_DESCRIPTION_COMMAND, &command));
+	EXPECT_FALSE(press(tag));
 	EXPECT_EQ(outcome(tag), IesPreviewOutcome::RendererFailed);
 	EXPECT_FALSE(FileUtils::fileExists(tag->GetDataInstance()->GetFilename(lt_preview_file).GetString().GetStdString()));
 	GeData holder;
-	ASSERT_TRUE(tag->GetParameter(DescID(lt_preview_gadget), holder));
-	const BitmapGadgetData* gadget = GetBitmapGadgetData(holder);
-	EXPECT_TRUE(gadget == nullptr || gadget->GetBitmap() == nullptr);
+	EXPECT_EQ(shownPicture(tag, holder), nullptr);
 }
 
 TEST_F(IesPreviewRenderTest, AnEditedTemplateIsKeptAndCompleted)
@@ -242,25 +238,17 @@ TEST_F(IesPreviewRenderTest, AnEditedTemplateIsKeptAndCompleted)
 	// wall's meshes are missing beside it and come from the module.
 	const std::string dir = GeGetC4DPath(C4D_PATH_PREFS).GetString().GetStdString() + "/preview";
 	std::string edited = VelornTest::readFile(VelornTest::testDataPath("../src/host/res/preview/iespreview.vls"));
-	for(const char* side : {"width", "height"})
-	{
-		const std::string element = std::string("<") + side + ">48</" + side + ">";
-		const size_t at = edited.find(element);
-		ASSERT_NE(at, std::string::npos) << side;
-		edited.replace(at, element.size(), std::string("<") + side + ">8</" + side + ">");
-	}
+	for(const std::string side : {"width", "height"})
+		edited = VelornTest::replacedAll(edited, "<" + side + ">48</" + side + ">", "<" + side + ">8</" + side + ">");
 	FileUtils::createDirsForPath(dir);
 	VelornTest::writeFile(dir + "/iespreview.vls", edited);
 
 	BaseTag* tag = lightTag(VelornTest::testDataPath("data/ies/bilateral.ies"));
-	DescriptionCommand command;
-	command.id = lt_preview_button;
-	ASSERT_TRUE(tag->Message(MSG_DESCRIPTION_COMMAND, &command));
+	ASSERT_TRUE(press(tag));
 	EXPECT_TRUE(FileUtils::fileExists(dir + "/iespreview_lamp.obj"));
 	EXPECT_TRUE(FileUtils::fileExists(dir + "/iespreview_wall.obj"));
 	GeData holder;
-	ASSERT_TRUE(tag->GetParameter(DescID(lt_preview_gadget), holder));
-	const BitmapGadgetData* gadget = GetBitmapGadgetData(holder);
-	ASSERT_TRUE(gadget && gadget->GetBitmap());
-	EXPECT_EQ(gadget->GetBitmap()->GetBw(), 8);
+	const BaseBitmap* shown = shownPicture(tag, holder);
+	ASSERT_NE(shown, nullptr);
+	EXPECT_EQ(shown->GetBw(), 8);
 }

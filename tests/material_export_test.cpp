@@ -18,7 +18,6 @@
 #include "reader/scene_parser.h"
 #include "scene/materials_basic.h"
 #include "scene/materials_composite.h"
-#include "scene/scene_node_background_settings.h"
 #include "scene/scene_node_model.h"
 #include "scene/scene_node_root.h"
 #include "scene/scene_node_sphere.h"
@@ -64,6 +63,14 @@ std::string materialElements(const std::string& scene,
 	return out;
 }
 
+BaseMaterial* findMaterial(BaseDocument& document, const char* name)
+{
+	for(BaseMaterial* m = document.GetFirstMaterial(); m; m = m->GetNext())
+		if(m->GetName() == String(name))
+			return m;
+	return nullptr;
+}
+
 class MaterialExport : public MaterialTest
 {
 protected:
@@ -79,8 +86,8 @@ protected:
 	}
 
 	// The root of tests/data/materials/<name>.json as the driver leaves it,
-	// neither finalised nor written.
-	// prepare, when given, changes the loaded document first.
+	// neither finalised nor written; prepare, when given, changes the loaded
+	// document first.
 	Velorn::Reference<Velorn::SceneNodeRoot> exportRoot(
 		const std::string& name, const std::function<void(BaseDocument&)>& prepare = nullptr)
 	{
@@ -95,33 +102,34 @@ protected:
 		document->ExecutePasses(nullptr, true, true, true, 0);
 		scene_path = dir.file(name + ".vls");
 		ExportSettings settings(document.Get(), Filename(scene_path.c_str()), nullptr, 0, 320, 240, 0, 0, 0, 0);
-		SceneExporter exporter(&settings);
-		return exporter.exportScene();
-	}
-
-	// Exports tests/data/materials/<name>.json as the export command does
-	// (finalised, written) and returns the scene's text.
-	std::string exportDocument(const std::string& name)
-	{
-		const std::string path = VelornTest::testDataPath("data/materials/" + name + ".json");
-		AutoFree<BaseDocument> document(LoadDocumentFile(Filename(path.c_str())));
-		EXPECT_TRUE(document);
-		if(!document)
-			return std::string();
-		document->ExecutePasses(nullptr, true, true, true, 0);
-		scene_path = dir.file(name + ".vls");
-		ExportSettings settings(
-			document.Get(), Filename(scene_path.c_str()), nullptr, 0, 320, 240, 0, 0, 0, 0);
-		SceneExporter exporter(&settings);
-		Velorn::Reference<Velorn::SceneNodeRoot> root = exporter.exportScene();
+		const Velorn::Reference<Velorn::SceneNodeRoot> root = SceneExporter(&settings).exportScene();
 		EXPECT_TRUE(root.nonNull());
-		if(root.isNull())
-			return std::string();
 		// Pass 1 empties the map when it ends.
 		EXPECT_TRUE(settings.material_map.empty());
+		return root;
+	}
+
+	// The scene's text, exported as the export command does: finalised and
+	// written.
+	std::string exportDocument(const std::string& name)
+	{
+		const Velorn::Reference<Velorn::SceneNodeRoot> root = exportRoot(name);
+		if(root.isNull())
+			return std::string();
 		root->finalise(scene_path);
 		root->writeToFile(scene_path, false, nullptr);
 		return VelornTest::readFile(scene_path);
+	}
+
+	void expectSceneChecks() const
+	{
+		EXPECT_EQ(VelornTest::failureOf([&] { Velorn::SceneCommands::check(scene_path); }), "(no failure)");
+	}
+
+	static bool printed(const std::string& line)
+	{
+		const std::vector<String> lines = HostConsole::get().texts(HostConsole::Kind::Print);
+		return std::find(lines.begin(), lines.end(), String(line.c_str())) != lines.end();
 	}
 
 	// The UID of the material node "Lamp" and the root's last model.
@@ -159,7 +167,7 @@ TEST_F(MaterialExport, DocumentsExportTheirMaterials)
 		const std::string scene = exportDocument(name);
 		VelornTest::expectMatchesGolden(materialElements(scene), std::string("materials/") + name + ".xml");
 
-		EXPECT_EQ(VelornTest::failureOf([&] { Velorn::SceneCommands::check(scene_path); }), "(no failure)");
+		expectSceneChecks();
 		Velorn::SceneParser parser;
 		Velorn::Reference<Velorn::SceneNodeRoot> read = parser.parseFile(scene_path, "");
 		read->finalise(scene_path);
@@ -193,81 +201,34 @@ TEST_F(MaterialExport, SelfBlendEndsAfterOnePass)
 {
 	const Velorn::Reference<Velorn::SceneNodeRoot> root = exportRoot("loop");
 	ASSERT_TRUE(root.nonNull());
-	int loops = 0;
+	std::vector<const Velorn::SceneNodeMaterial*> loops;
 	Velorn::UID null_material;
 	for(const Velorn::Reference<Velorn::SceneNode>& child : root->getChildren())
-	{
-		const auto* node = dynamic_cast<const Velorn::SceneNodeMaterial*>(child.getPointer());
-		if(node && node->getName() == Velorn::String("nullMat"))
-			null_material = node->uid;
-		if(!node || node->getName() != Velorn::String("Loop"))
-			continue;
-		++loops;
-		EXPECT_EQ(node->uid, Velorn::UID(8));
-		const auto* blend = dynamic_cast<const Velorn::BlendMaterial*>(node->material.getPointer());
-		ASSERT_NE(blend, nullptr);
-		EXPECT_EQ(blend->a_mat_uid, null_material);
-		EXPECT_EQ(blend->b_mat_uid, null_material);
-		EXPECT_EQ(dynamic_cast<const Velorn::ConstantDisplacementParam&>(*blend->blend).value, 0.5);
-	}
-	EXPECT_EQ(loops, 1);
+		if(const auto* node = dynamic_cast<const Velorn::SceneNodeMaterial*>(child.getPointer()))
+		{
+			if(node->getName() == Velorn::String("nullMat"))
+				null_material = node->uid;
+			if(node->getName() == Velorn::String("Loop"))
+				loops.push_back(node);
+		}
+	ASSERT_EQ(loops.size(), 1u);
+	EXPECT_EQ(loops[0]->uid, Velorn::UID(8));
 	EXPECT_TRUE(null_material.valid());
+	const auto& blend = dynamic_cast<const Velorn::BlendMaterial&>(*loops[0]->material);
+	EXPECT_EQ(blend.a_mat_uid, null_material);
+	EXPECT_EQ(blend.b_mat_uid, null_material);
 	// Ball B wears it.
 	const auto& sphere = dynamic_cast<const Velorn::SceneNodeSphere&>(*root->getChildren().back());
 	EXPECT_EQ(sphere.material_uid, Velorn::UID(8));
-	const std::vector<String> lines = HostConsole::get().texts(HostConsole::Kind::Print);
-	EXPECT_NE(std::find(lines.begin(), lines.end(),
-				  String("Material 'Loop' links back to itself; the link was replaced by the default for an empty link.")),
-		lines.end());
+	EXPECT_TRUE(printed("Material 'Loop' links back to itself; the link was replaced by the default for an empty link."));
 	root->finalise(scene_path);
 }
 
-// An emitting plug-in material as the environment, with its emission scale
-// on the background, and an emitting material on a polygon object, whose
-// model carries the material's emission scale.
-TEST_F(MaterialExport, EnvironmentAndModelEmissionScales)
-{
-	const Velorn::Reference<Velorn::SceneNodeRoot> root = exportRoot("environment");
-	ASSERT_TRUE(root.nonNull());
-	const auto& background =
-		dynamic_cast<const Velorn::SceneNodeBackgroundSettings&>(*root->getBackgroundSettingsNode());
-	const auto& sky = dynamic_cast<const Velorn::DiffuseMaterial&>(*background.background_material);
-	EXPECT_EQ(sky.name, Velorn::String("background_material"));
-	const auto& base = dynamic_cast<const Velorn::ConstantWavelengthDependentParam&>(*sky.base_emission);
-	EXPECT_EQ(dynamic_cast<const Velorn::UniformSpectrum&>(*base.spectrum).value, 3.0);
-	ASSERT_TRUE(background.emission_scale.nonNull());
-	EXPECT_EQ(background.emission_scale->measure, Velorn::EmissionScale::Luminance);
-	EXPECT_EQ(background.emission_scale->value, 2.5);
-
-	const auto [lamp, box] = lampAndModel(*root);
-	ASSERT_TRUE(lamp.valid());
-	ASSERT_NE(box, nullptr);
-	ASSERT_EQ(box->emission_scales.size(), 1u);
-	EXPECT_EQ(box->emission_scales[0]->material_uid, lamp);
-	EXPECT_EQ(box->emission_scales[0]->measure, Velorn::EmissionScale::LuminousIntensity);
-	EXPECT_EQ(box->emission_scales[0]->value, 50.0);
-	ASSERT_EQ(box->material_uids.size(), 1u);
-	EXPECT_EQ(box->material_uids[0], lamp);
-}
-
-namespace
-{
-
-BaseMaterial* findMaterial(BaseDocument& document, const char* name)
-{
-	for(BaseMaterial* m = document.GetFirstMaterial(); m; m = m->GetNext())
-		if(m->GetName() == String(name))
-			return m;
-	return nullptr;
-}
-
-} // namespace
-
-// The emitting material of the box with its IES profile: switch 1 and a
-// file give a profile on the box's model for that material, its path as
-// seen from the scene's directory; any other switch value, or no file,
-// gives none.
-TEST_F(MaterialExport, MaterialIESProfileOnTheModel)
+// The box wears the emitting material Lamp, whose emission scale its model
+// carries. With its IES profile, switch 1 and a file give a profile on the
+// model for that material, its path as seen from the scene's directory; any
+// other switch value, or no file, gives none.
+TEST_F(MaterialExport, ModelEmissionScaleAndMaterialIESProfile)
 {
 	// Paths with the system's separator, as the host's file names have them.
 	using Velorn::FileUtils::join;
@@ -297,9 +258,14 @@ TEST_F(MaterialExport, MaterialIESProfileOnTheModel)
 		});
 		ASSERT_TRUE(root.nonNull());
 		const auto [lamp, box] = lampAndModel(*root);
+		ASSERT_TRUE(lamp.valid());
 		ASSERT_NE(box, nullptr);
-		// The emission scale stays as without a profile.
-		EXPECT_EQ(box->emission_scales.size(), 1u);
+		ASSERT_EQ(box->material_uids.size(), 1u);
+		EXPECT_EQ(box->material_uids[0], lamp);
+		ASSERT_EQ(box->emission_scales.size(), 1u);
+		EXPECT_EQ(box->emission_scales[0]->material_uid, lamp);
+		EXPECT_EQ(box->emission_scales[0]->measure, Velorn::EmissionScale::LuminousIntensity);
+		EXPECT_EQ(box->emission_scales[0]->value, 50.0);
 		if(c.expected.empty())
 		{
 			EXPECT_TRUE(box->ies_profiles.empty());
@@ -350,14 +316,13 @@ TEST_F(MaterialExport, BadInputIsReplacedAndReported)
 		HostConsole::get().clear();
 		const std::string scene = exportDocument(c.document);
 		ASSERT_FALSE(scene.empty());
-		const std::vector<String> printed = HostConsole::get().texts(HostConsole::Kind::Print);
 		for(const std::string& line : c.lines)
-			EXPECT_NE(std::find(printed.begin(), printed.end(), String(line.c_str())), printed.end()) << line;
+			EXPECT_TRUE(printed(line)) << line;
 		if(c.holds)
 		{
 			EXPECT_NE(scene.find(c.holds), std::string::npos) << c.holds;
 		}
-		EXPECT_EQ(VelornTest::failureOf([&] { Velorn::SceneCommands::check(scene_path); }), "(no failure)");
+		expectSceneChecks();
 	}
 }
 
@@ -369,5 +334,5 @@ TEST_F(MaterialExport, EnvironmentBackgroundGolden)
 	const std::string scene = exportDocument("environment");
 	VelornTest::expectMatchesGolden(
 		materialElements(scene, {"background_settings"}), "materials/environment_background.xml");
-	EXPECT_EQ(VelornTest::failureOf([&] { Velorn::SceneCommands::check(scene_path); }), "(no failure)");
+	expectSceneChecks();
 }

@@ -17,21 +17,12 @@
 
 using namespace Velorn;
 using namespace Velorn::MaterialParser;
+using VelornTest::goldenFile;
+using VelornTest::replacedAll;
 using VelornTest::XMLText;
 
 namespace
 {
-
-std::string golden(const std::string& name) { return VelornTest::readFile(VelornTest::testDataPath("golden/" + name)); }
-
-// text with its one occurrence of from replaced by to.
-std::string replaced(std::string text, const std::string& from, const std::string& to)
-{
-	const size_t at = text.find(from);
-	EXPECT_NE(at, std::string::npos) << from;
-	EXPECT_EQ(text.find(from, at + 1), std::string::npos) << from;
-	return at == std::string::npos ? text : text.replace(at, from.size(), to);
-}
 
 // The nodes that the _names files refer to by name.
 ParseNames namedTargets()
@@ -52,14 +43,18 @@ struct Target
 	bool medium;
 };
 
-// The material of the text read into a node and written; with targets, the
-// node is first bound in a tree that holds them.
-std::string materialRoundTrip(const std::string& text, bool write_uids, const std::vector<Target>& targets)
+// The material or medium of the text read into a node and written; with
+// targets, the node is first bound in a tree that holds them.
+std::string nodeRoundTrip(const std::string& text, bool write_uids, const std::vector<Target>& targets = {})
 {
 	XMLText doc(text);
 	UID uid;
 	VelornTest::SceneBuilder scene;
-	Reference<SceneNodeMaterial> node(new SceneNodeMaterial(parseMaterial(doc.root(), "", uid, namedTargets())));
+	Reference<SceneNode> node;
+	if(std::string(doc.root().Value()) == "medium")
+		node = new SceneNodeMedium(parseMedium(doc.root(), "", uid));
+	else
+		node = new SceneNodeMaterial(parseMaterial(doc.root(), "", uid, namedTargets()));
 	node->uid = uid;
 	scene.root->addChildNode(node);
 	for(const Target& target : targets)
@@ -69,15 +64,6 @@ std::string materialRoundTrip(const std::string& text, bool write_uids, const st
 			scene.add(new DiffuseMaterial(), "Stand-in", target.uid);
 	if(!targets.empty())
 		scene.walk(VisitOperation::Bind);
-	return VelornTest::textOf(*node, write_uids);
-}
-
-std::string mediumRoundTrip(const std::string& text, bool write_uids)
-{
-	XMLText doc(text);
-	UID uid;
-	Reference<SceneNodeMedium> node(new SceneNodeMedium(parseMedium(doc.root(), "", uid)));
-	node->uid = uid;
 	return VelornTest::textOf(*node, write_uids);
 }
 
@@ -98,61 +84,43 @@ std::string withTextures(const std::string& text, unsigned count)
 	return std::string(text).insert(type_line, textures);
 }
 
-struct MaterialCase
-{
-	const char* golden;
-	bool write_uids;
-	std::vector<Target> targets;
-	unsigned textures;
-};
-
 } // namespace
 
-TEST(MaterialRoundTrip, MaterialFilesComeBackByteForByte)
+TEST(MaterialRoundTrip, MaterialAndMediumFilesComeBackByteForByte)
 {
 	const Target medium{3, true};
-	const MaterialCase cases[] = {
-		{"material_diffuse_default.xml", true, {}, 0},
-		{"material_diffuse_full.xml", true, {}, 0},
-		{"material_diffuse_transmitter.xml", true, {medium}, 0},
-		{"material_diffuse_transmitter_names.xml", false, {}, 0},
-		{"material_oren_nayar.xml", true, {}, 2},
-		{"material_phong.xml", true, {}, 0},
-		{"material_phong_default.xml", true, {}, 0},
-		{"material_glass_smooth.xml", true, {medium}, 0},
-		{"material_glass_smooth_names.xml", false, {}, 0},
-		{"material_glossy_transparent.xml", true, {medium}, 0},
-		{"material_glossy_transparent_names.xml", false, {}, 1},
-		{"material_null.xml", true, {}, 0},
-		{"material_exit_portal.xml", true, {}, 0},
-		{"material_blend.xml", true, {{2, false}, {3, false}}, 0},
-		{"material_blend_names.xml", false, {}, 1},
-		{"material_coating.xml", true, {{2, false}}, 0},
-		// Unbound targets of these are written by their stored UIDs.
-		{"material_coating_unbound.xml", true, {}, 0},
-		{"material_double_sided_thin.xml", true, {}, 0},
-		{"material_sum.xml", true, {}, 2},
-		{"material_coating_names.xml", false, {}, 0},
-		{"material_sum_names.xml", false, {}, 2},
-		{"material_sunsky.xml", true, {}, 0},
-		{"material_sunsky_default.xml", true, {}, 0},
-		{"material_plugin.xml", true, {}, 0},
-	};
-	for(const MaterialCase& c : cases)
-	{
-		SCOPED_TRACE(c.golden);
-		const std::string text = withTextures(golden(c.golden), c.textures);
-		EXPECT_EQ(materialRoundTrip(text, c.write_uids, c.targets), text);
-	}
-}
-
-TEST(MaterialRoundTrip, MediumFilesComeBackByteForByte)
-{
 	const struct
 	{
 		const char* golden;
 		bool write_uids;
+		std::vector<Target> targets = {};
+		unsigned textures = 0;
 	} cases[] = {
+		{"material_diffuse_default.xml", true},
+		{"material_diffuse_full.xml", true},
+		{"material_diffuse_transmitter.xml", true, {medium}},
+		{"material_diffuse_transmitter_names.xml", false},
+		{"material_oren_nayar.xml", true, {}, 2},
+		{"material_phong.xml", true},
+		{"material_phong_default.xml", true},
+		{"material_glass_smooth.xml", true, {medium}},
+		{"material_glass_smooth_names.xml", false},
+		{"material_glossy_transparent.xml", true, {medium}},
+		{"material_glossy_transparent_names.xml", false, {}, 1},
+		{"material_null.xml", true},
+		{"material_exit_portal.xml", true},
+		{"material_blend.xml", true, {{2, false}, {3, false}}},
+		{"material_blend_names.xml", false, {}, 1},
+		{"material_coating.xml", true, {{2, false}}},
+		// Unbound targets of these are written by their stored UIDs.
+		{"material_coating_unbound.xml", true},
+		{"material_double_sided_thin.xml", true},
+		{"material_sum.xml", true, {}, 2},
+		{"material_coating_names.xml", false},
+		{"material_sum_names.xml", false, {}, 2},
+		{"material_sunsky.xml", true},
+		{"material_sunsky_default.xml", true},
+		{"material_plugin.xml", true},
 		{"medium_basic.xml", true},
 		{"medium_basic_scattering.xml", false},
 		{"medium_dermis.xml", true},
@@ -162,86 +130,87 @@ TEST(MaterialRoundTrip, MediumFilesComeBackByteForByte)
 	for(const auto& c : cases)
 	{
 		SCOPED_TRACE(c.golden);
-		VelornTest::expectMatchesGolden(mediumRoundTrip(golden(c.golden), c.write_uids), c.golden);
+		const std::string text = withTextures(goldenFile(c.golden), c.textures);
+		EXPECT_EQ(nodeRoundTrip(text, c.write_uids, c.targets), text);
 	}
 }
 
-// An unbound blend is written without its targets, and a blend without
-// targets cannot be read.
-TEST(MaterialRoundTrip, UnboundBlendCannotBeReadBack)
+// Materials the writer can make and the reader refuses.
+TEST(MaterialRoundTrip, MaterialsThatCannotBeReadBack)
 {
-	EXPECT_EQ(VelornTest::failureOf<SceneParserExcep>([] { materialRoundTrip(golden("material_blend_unbound.xml"), true, {}); }),
-		"could not find element 'a_name'.  (In element 'blend', around line 4, column 5)");
+	const struct
+	{
+		const char* golden;
+		bool write_uids;
+		const char* message;
+	} cases[] = {
+		// An unbound blend is written without its targets, which it needs.
+		{"material_blend_unbound.xml", true,
+			"could not find element 'a_name'.  (In element 'blend', around line 4, column 5)"},
+		// A texture index written without the texture.
+		{"material_oren_nayar.xml", true,
+			"Texture index '1' is out of bounds: this material has 0 textures.  (In element 'texture', around line 17, "
+			"column 13)"},
+		// With names, an unbound side is left out, and a side is required.
+		{"material_double_sided_thin_names.xml", false,
+			"could not find element 'back_material_name'.  (In element 'double_sided_thin', around line 3, column 5)"},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.golden);
+		EXPECT_EQ(VelornTest::failureOf<SceneParserExcep>([&] { nodeRoundTrip(goldenFile(c.golden), c.write_uids); }),
+			c.message);
+	}
 }
 
-// A texture index that the writer wrote without the texture.
-TEST(MaterialRoundTrip, TextureIndexWithoutTextureCannotBeReadBack)
+TEST(MaterialRoundTrip, MaterialsThatComeBackChanged)
 {
-	EXPECT_EQ(VelornTest::failureOf<SceneParserExcep>([] { materialRoundTrip(golden("material_oren_nayar.xml"), true, {}); }),
-		"Texture index '1' is out of bounds: this material has 0 textures.  (In element 'texture', around line 17, column 13)");
-}
-
-// With names, an unbound side is left out, and a side is required.
-TEST(MaterialRoundTrip, UnboundSideWrittenByNameCannotBeReadBack)
-{
-	EXPECT_EQ(VelornTest::failureOf<SceneParserExcep>(
-				  [] { materialRoundTrip(golden("material_double_sided_thin_names.xml"), false, {}); }),
-		"could not find element 'back_material_name'.  (In element 'double_sided_thin', around line 3, column 5)");
-}
-
-// A texture without an exponent reads as linear and is then written with
-// its exponent of 1.
-TEST(MaterialRoundTrip, TextureWithoutExponentComesBackLinear)
-{
-	const std::string full = golden("material_diffuse_full.xml");
+	const std::string full = goldenFile("material_diffuse_full.xml");
 	const std::string exponent = "\t\t\t<exponent>2.2</exponent>\n";
-	EXPECT_EQ(
-		materialRoundTrip(replaced(full, exponent, ""), true, {}), replaced(full, exponent, "\t\t\t<exponent>1</exponent>\n"));
-}
-
-// The three-line constant of a displacement and the plain one read the same.
-TEST(MaterialRoundTrip, DisplacementConstantOnOneLineComesBackOnThree)
-{
-	const std::string full = golden("material_diffuse_full.xml");
-	const std::string three_lines = "\t\t\t<constant>\n\t\t\t\t0.001\n\t\t\t</constant>\n";
-	EXPECT_EQ(materialRoundTrip(replaced(full, three_lines, "\t\t\t<constant>0.001</constant>\n"), true, {}), full);
-}
-
-// The parameter lists of a plugin material are read but never written.
-TEST(MaterialRoundTrip, PluginParametersAreNotWritten)
-{
-	const std::string plugin = golden("material_plugin.xml");
-	const std::string with_param = replaced(plugin, "\t</plugin>\n",
-		"\t\t<param>\n\t\t\t<name>sheen</name>\n\t\t\t<wavelength_dependent>\n\t\t\t\t<constant>\n\t\t\t\t\t<uniform>\n"
-		"\t\t\t\t\t\t<value>1</value>\n\t\t\t\t\t</uniform>\n\t\t\t\t</constant>\n\t\t\t</wavelength_dependent>\n\t\t</"
-		"param>\n\t</plugin>\n");
-	XMLText doc(with_param);
-	UID uid;
-	const Reference<PluginMaterial> material = parseMaterial(doc.root(), "", uid, ParseNames()).downcast<PluginMaterial>();
-	ASSERT_EQ(material->wavelength_dependent.size(), 1u);
-	EXPECT_EQ(material->wavelength_dependent[0].name, "sheen");
-	EXPECT_EQ(materialRoundTrip(with_param, true, {}), plugin);
+	const std::string plugin = goldenFile("material_plugin.xml");
+	const struct
+	{
+		const char* what;
+		std::string text, expected;
+	} cases[] = {
+		// A texture without an exponent reads as linear.
+		{"texture without exponent", replacedAll(full, exponent, ""),
+			replacedAll(full, exponent, "\t\t\t<exponent>1</exponent>\n")},
+		// The plain constant of a displacement reads as the three-line one.
+		{"displacement constant on one line",
+			replacedAll(full, "\t\t\t<constant>\n\t\t\t\t0.001\n\t\t\t</constant>\n", "\t\t\t<constant>0.001</constant>\n"),
+			full},
+		// The parameter lists of a plugin material are read but never written.
+		{"plugin parameters",
+			replacedAll(plugin, "\t</plugin>\n",
+				"\t\t<param>\n\t\t\t<name>sheen</name>\n\t\t\t<wavelength_dependent>\n\t\t\t\t<constant>\n"
+				"\t\t\t\t\t<uniform>\n\t\t\t\t\t\t<value>1</value>\n\t\t\t\t\t</uniform>\n\t\t\t\t</constant>\n"
+				"\t\t\t</wavelength_dependent>\n\t\t</param>\n\t</plugin>\n"),
+			plugin},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.what);
+		EXPECT_EQ(nodeRoundTrip(c.text, true), c.expected);
+	}
 }
 
 // The writer makes one scatter_uids element for each scatter, and the reader
 // takes the first one only.
 TEST(MaterialRoundTrip, ScattersAfterTheFirstAreLost)
 {
-	const std::string scatter = golden("material_scatter.xml");
+	const std::string scatter = goldenFile("material_scatter.xml");
 	XMLText doc(scatter);
 	SceneParser parser;
-	const Reference<SceneNodeMaterial> node = parser.parseElement(doc.root(), "").downcast<SceneNodeMaterial>();
-	ASSERT_TRUE(node.nonNull());
-	ASSERT_EQ(node->scatter_uids.size(), 1u);
-	EXPECT_EQ(node->scatter_uids[0], UID(30));
-
 	VelornTest::SceneBuilder scene;
+	const Reference<SceneNode> node = parser.parseElement(doc.root(), "");
+	ASSERT_TRUE(node.nonNull());
 	scene.root->addChildNode(node);
 	VelornTest::addScatter(*scene.root, 30, 40);
 	VelornTest::addScatter(*scene.root, 31, 40);
 	scene.walk(VisitOperation::Bind);
 	EXPECT_EQ(VelornTest::textOf(*node, true, 1),
-		replaced(scatter, "\t\t<scatter_uids>\n\t\t\t<uid>31</uid>\n\t\t</scatter_uids>\n", ""));
+		replacedAll(scatter, "\t\t<scatter_uids>\n\t\t\t<uid>31</uid>\n\t\t</scatter_uids>\n", ""));
 }
 
 namespace
@@ -265,6 +234,13 @@ ValueRoundTrip spectrum(unsigned depth)
 	return [depth](const TiXmlElement& holder, OStream& out, WriteContext&) { parseSpectrum(holder)->writeXML(out, depth); };
 }
 
+void table(const TiXmlElement& holder, OStream& out, WriteContext&) { parseTabulatedSpectralData(holder)->writeXML(out, 0); }
+
+void texture(const TiXmlElement& holder, OStream& out, WriteContext& context)
+{
+	parseTexture(*holder.FirstChildElement("texture"), "").writeXML(out, 0, context);
+}
+
 // Each element of a file of parameters in a holder of its own, as a channel
 // element holds it, written at depth 0.
 template <class Param>
@@ -282,18 +258,15 @@ ValueRoundTrip params(std::function<Reference<Param>(const TiXmlElement&)> read)
 
 } // namespace
 
-TEST(MaterialRoundTrip, ValueFilesComeBackByteForByte)
+// Value files come back byte for byte, but for those the writer can make and
+// the reader refuses.
+TEST(MaterialRoundTrip, ValueFiles)
 {
-	const ValueRoundTrip texture = [](const TiXmlElement& holder, OStream& out, WriteContext& context) {
-		parseTexture(*holder.FirstChildElement("texture"), "").writeXML(out, 0, context);
-	};
-	const ValueRoundTrip table = [](const TiXmlElement& holder, OStream& out, WriteContext&) {
-		parseTabulatedSpectralData(holder)->writeXML(out, 0);
-	};
 	const struct
 	{
 		const char* golden;
 		ValueRoundTrip read_and_write;
+		const char* refusal = nullptr;
 	} cases[] = {
 		{"wavelength_blackbody.xml", spectrum(0)},
 		{"wavelength_peak.xml", spectrum(0)},
@@ -314,31 +287,25 @@ TEST(MaterialRoundTrip, ValueFilesComeBackByteForByte)
 			params<DisplacementParam>([](const TiXmlElement& e) { return parseDisplacementParam(e, "", 3); })},
 		{"params_volume.xml", params<VolumeParam>([](const TiXmlElement& e) { return parseVolumeParam(e, ""); })},
 		{"params_vec3.xml", params<Vec3Param>([](const TiXmlElement& e) { return parseVec3Param(e, "", 2); })},
+		// A regular spectrum without values.
+		{"wavelength_regular_empty.xml", spectrum(0), "num_values must be >= 2."},
+		// A table whose last row is short.
+		{"tabulated_data_partial_row.xml", table, "Reached end of string while parsing data."},
+		// A constant without a spectrum is written as an empty constant element.
+		{"params_wavelength_dependent.xml",
+			params<WavelengthDependentParam>([](const TiXmlElement& e) { return parseWavelengthDependentParam(e, "", 4); }),
+			"Failed to find child for element 'constant' - Child should be one of 'rgb', 'blackbody', 'peak', 'uniform', "
+			"'regular_tabulated'.  (In element 'constant', around line 6, column 1)"},
 	};
 	for(const auto& c : cases)
 	{
 		SCOPED_TRACE(c.golden);
-		VelornTest::expectMatchesGolden(valueRoundTrip(golden(c.golden), c.read_and_write), c.golden);
+		if(c.refusal)
+		{
+			EXPECT_EQ(VelornTest::failureOf<SceneParserExcep>([&] { valueRoundTrip(goldenFile(c.golden), c.read_and_write); }),
+				c.refusal);
+		}
+		else
+			VelornTest::expectMatchesGolden(valueRoundTrip(goldenFile(c.golden), c.read_and_write), c.golden);
 	}
-}
-
-// Values the writer can make and the reader refuses.
-TEST(MaterialRoundTrip, ValuesThatCannotBeReadBack)
-{
-	const auto failure = [](const char* name, const ValueRoundTrip& read_and_write) {
-		return VelornTest::failureOf<SceneParserExcep>([&] { valueRoundTrip(golden(name), read_and_write); });
-	};
-	// A regular spectrum without values.
-	EXPECT_EQ(failure("wavelength_regular_empty.xml", spectrum(0)), "num_values must be >= 2.");
-	// A table whose last row is short.
-	EXPECT_EQ(
-		failure("tabulated_data_partial_row.xml", [](const TiXmlElement& holder, OStream& out,
-													  WriteContext&) { parseTabulatedSpectralData(holder)->writeXML(out, 0); }),
-		"Reached end of string while parsing data.");
-	// A constant without a spectrum is written as an empty constant element.
-	EXPECT_EQ(failure("params_wavelength_dependent.xml", params<WavelengthDependentParam>([](const TiXmlElement& e) {
-		return parseWavelengthDependentParam(e, "", 4);
-	})),
-		"Failed to find child for element 'constant' - Child should be one of 'rgb', 'blackbody', 'peak', 'uniform', "
-		"'regular_tabulated'.  (In element 'constant', around line 6, column 1)");
 }

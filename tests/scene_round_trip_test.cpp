@@ -1,6 +1,6 @@
-// Scene node files and whole scenes read back and written again: the golden
-// files' bytes come back, except where a round trip loses or changes
-// something, and each of those is pinned down here.
+// Scene node files and whole scenes written, read back and written again:
+// the golden files' bytes come back, except where a round trip loses or
+// changes something, and each of those is pinned down here.
 #include "reader/reader_test_helpers.h"
 #include "reader/scene_parser.h"
 #include "scene/geometry_test_helpers.h"
@@ -18,22 +18,18 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
 using namespace Velorn;
+using VelornTest::goldenFile;
+using VelornTest::replacedAll;
 using VelornTest::XMLText;
 
 namespace
 {
-
-std::string golden(const std::string& name) { return VelornTest::readFile(VelornTest::testDataPath("golden/" + name)); }
-
-// text with each occurrence of from replaced by to; from must occur.
-std::string replacedAll(std::string text, const std::string& from, const std::string& to)
-{
-	EXPECT_NE(text.find(from), std::string::npos) << from;
-	for(size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
-		text.replace(at, from.size(), to);
-	return text;
-}
 
 // The node elements of a text read and written again: the root element, or
 // each child of a scene root under a new root.
@@ -49,9 +45,21 @@ std::string readBack(const std::string& text)
 	return root->toXMLString().str();
 }
 
-std::string readBackFailure(const std::string& name)
+std::vector<std::string> filesIn(const std::string& dir)
 {
-	return VelornTest::failureOf<SceneParserExcep>([&] { readBack(golden(name)); });
+	std::vector<std::string> names;
+	for(const std::filesystem::directory_entry& entry : std::filesystem::directory_iterator(dir))
+		names.push_back(entry.path().filename().string());
+	std::sort(names.begin(), names.end());
+	return names;
+}
+
+size_t occurrences(const std::string& text, const std::string& part)
+{
+	size_t count = 0;
+	for(size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
+		++count;
+	return count;
 }
 
 template <class Node>
@@ -62,9 +70,9 @@ Reference<Node> add(SceneNodeRoot& root, Node* node)
 }
 
 // A scene of every kind of node with values other than the defaults of the
-// classes and of the reader, bound and ready to write. Its paths are
-// absolute, as the reader makes them. The settings keys go in in the order
-// in which the reader reads them, which keeps their order in the file.
+// classes and of the reader, finalised, valid and ready to write. Its paths
+// are absolute, as the reader makes them. The settings keys go in in the
+// order in which the reader reads them, which keeps their order in the file.
 Reference<SceneNodeRoot> sceneToReadBack(const VelornTest::TempDir& dir)
 {
 	Reference<SceneNodeRoot> root(new SceneNodeRoot());
@@ -88,11 +96,10 @@ Reference<SceneNodeRoot> sceneToReadBack(const VelornTest::TempDir& dir)
 	camera->keyframes.push_back(KeyFrame{Vec3d(1, 2, 3), 0, Vec3d(0, 1, 0), 0.5});
 	camera->camera_type = SceneNodeCamera::Orthographic;
 	add(*root, new SceneNodeTonemapping(2, 0.5, 8));
-	Reference<SceneNodeBackgroundSettings> background = add(*root, new SceneNodeBackgroundSettings());
 	Reference<SunSkyMaterial> sky(new SunSkyMaterial());
 	sky->name = "Sky";
 	sky->sky_layer = 1;
-	background->background_material = sky;
+	add(*root, new SceneNodeBackgroundSettings())->background_material = sky;
 
 	Reference<SceneNodeMaterial> red = add(*root, new SceneNodeMaterial());
 	red->setName("Red");
@@ -104,11 +111,19 @@ Reference<SceneNodeRoot> sceneToReadBack(const VelornTest::TempDir& dir)
 	mesh->setMesh(VelornTest::sampleMesh());
 	mesh->subdivide_pixel_threshold = 4; // the default of a new node, not of the reader
 	mesh->view_dependent_subdivision = true;
-	Reference<SceneNodeModel> model = add(*root, new SceneNodeModel());
-	model->setGeometry(mesh);
-	model->setMaterials({red, blue});
-	model->rotation = new AxisRotation(Vec3d(1, 0, 0), 0.5);
-	model->keyframes.push_back(KeyFrame{Vec3d(0, 0, 1), 0, Vec3d(0, 0, 1), 0});
+	// Three models over the mesh and one over a second mesh node of the same
+	// content, which shares its file.
+	Reference<SceneNodeMesh> same_mesh = add(*root, new SceneNodeMesh());
+	same_mesh->setMesh(VelornTest::sampleMesh());
+	Reference<SceneNodeModel> model;
+	for(const Reference<SceneNodeMesh>& geometry : {same_mesh, mesh, mesh, mesh})
+	{
+		model = add(*root, new SceneNodeModel());
+		model->setGeometry(geometry);
+		model->setMaterials({red, blue});
+		model->rotation = new AxisRotation(Vec3d(1, 0, 0), 0.5);
+		model->keyframes.push_back(KeyFrame{Vec3d(0, 0, 1), 0, Vec3d(0, 0, 1), 0});
+	}
 	Reference<IESProfile> profile(new IESProfile());
 	profile->path = dir.file("spot.ies");
 	profile->material = blue;
@@ -127,7 +142,8 @@ Reference<SceneNodeRoot> sceneToReadBack(const VelornTest::TempDir& dir)
 	scatter->target_object_uid = model->uid;
 	blue->scatter_uids = {scatter->uid};
 	add(*root, new SceneNodeSectionPlane())->object_list = {model->uid};
-	root->finalise(dir.file("scene.vls"));
+	root->finalise(dir.file("city.scene.vls"));
+	EXPECT_NO_THROW(root->validate());
 	return root;
 }
 
@@ -144,60 +160,65 @@ TEST(SceneRoundTrip, NodeFilesComeBackByteForByte)
 			"background_sunsky.xml", "geometry_in_scene.xml"})
 	{
 		SCOPED_TRACE(name);
-		VelornTest::expectMatchesGolden(readBack(golden(name)), name);
+		VelornTest::expectMatchesGolden(readBack(goldenFile(name)), name);
 	}
 }
 
-// The default settings come back without gpu, which is not read, and in the
-// order in which the reader puts the keys into the map.
-TEST(SceneRoundTrip, DefaultSettingsLoseGPUAndTakeTheReadersOrder)
+TEST(SceneRoundTrip, TextsThatComeBackChanged)
 {
-	VelornTest::expectMatchesGolden(readBack(golden("render_settings_defaults.xml")), "render_settings_defaults_read_back.xml");
-}
-
-// Only "CUDA" names a subsystem; any other text, none too, reads as OpenCL.
-TEST(SceneRoundTrip, UnnamedGPUSubsystemComesBackAsOpenCL)
-{
-	const std::string other = golden("render_settings_gpu_other.xml");
-	EXPECT_EQ(readBack(other), replacedAll(other, "<subsystem></subsystem>", "<subsystem>OpenCL</subsystem>"));
-}
-
-// Models and scatters write their bound materials; read, they hold only the
-// UIDs until binding, so they write an empty list.
-TEST(SceneRoundTrip, UnboundMaterialListsComeBackEmpty)
-{
-	const std::string list = "\t\t<material_uid>3</material_uid>\n\t\t<material_uid>4</material_uid>\n";
-	for(const char* name : {"model2_full.xml", "scatter_cdata.xml"})
+	const std::string camera = goldenFile("camera_default.xml");
+	const std::string shape = "\t<aperture_shape>\n";
+	const std::string material_list = "\t\t<material_uid>3</material_uid>\n\t\t<material_uid>4</material_uid>\n";
+	const std::string gpu_other = goldenFile("render_settings_gpu_other.xml");
+	const struct
 	{
-		SCOPED_TRACE(name);
-		const std::string text = golden(name);
-		EXPECT_EQ(readBack(text), replacedAll(text, list, ""));
+		const char* what;
+		std::string text, expected;
+	} cases[] = {
+		// gpu is not read, and the keys take the order in which the reader
+		// puts them into the map.
+		{"default settings", goldenFile("render_settings_defaults.xml"), goldenFile("render_settings_defaults_read_back.xml")},
+		// Only "CUDA" names a subsystem; any other text, none too, is OpenCL.
+		{"unnamed GPU subsystem", gpu_other,
+			replacedAll(gpu_other, "<subsystem></subsystem>", "<subsystem>OpenCL</subsystem>")},
+		// Read, models and scatters hold only the material UIDs until
+		// binding, and write their bound materials: none.
+		{"model materials", goldenFile("model2_full.xml"), replacedAll(goldenFile("model2_full.xml"), material_list, "")},
+		{"scatter materials", goldenFile("scatter_cdata.xml"), replacedAll(goldenFile("scatter_cdata.xml"), material_list, "")},
+		// A camera's white point is handed to the render settings.
+		{"camera white balance", replacedAll(camera, shape, "\t<white_balance>D65</white_balance>\n" + shape), camera},
+		// Autofocus is set by the element being there, whatever it holds.
+		{"camera autofocus", replacedAll(camera, shape, "\t<autofocus>false</autofocus>\n" + shape),
+			replacedAll(camera, shape, "<autofocus/>\n" + shape)},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.what);
+		EXPECT_EQ(readBack(c.text), c.expected);
 	}
 }
 
+// The writer writes an unknown camera type as empty text, and a key of any
+// name; the reader takes neither. A tone mapping of unknown kind has no kind
+// element.
 TEST(SceneRoundTrip, FilesTheReaderRefuses)
 {
-	// The writer writes an unknown camera type as empty text, and a key of
-	// any name; the reader takes neither. A tone mapping of unknown kind has
-	// no kind element.
-	EXPECT_EQ(readBackFailure("camera_unknown_type.xml"),
-		"Unknown camera type '', should be either 'thin-lens-perspective', 'orthographic' or 'spherical'.  (In element "
-		"'camera', around line 1, column 1)");
-	EXPECT_EQ(readBackFailure("render_settings_everything.xml"),
-		"Found unexpected element 'x'.  (In element 'renderer_settings', around line 1, column 1)");
-	EXPECT_EQ(readBackFailure("tonemapping_unknown.xml"),
-		"Error parsing tone mapping: Failed to find tonemapping child.  (In element 'tonemapping', around line 1, column 1)");
-}
-
-// A camera's white point is handed to the render settings, and autofocus is
-// set by the element being there, whatever it holds.
-TEST(SceneRoundTrip, CameraElementsThatChange)
-{
-	const std::string camera = golden("camera_default.xml");
-	const std::string shape = "\t<aperture_shape>\n";
-	EXPECT_EQ(readBack(replacedAll(camera, shape, "\t<white_balance>D65</white_balance>\n" + shape)), camera);
-	EXPECT_EQ(readBack(replacedAll(camera, shape, "\t<autofocus>false</autofocus>\n" + shape)),
-		replacedAll(camera, shape, "<autofocus/>\n" + shape));
+	const struct
+	{
+		const char* golden;
+		const char* message;
+	} cases[] = {
+		{"camera_unknown_type.xml",
+			"Unknown camera type '', should be either 'thin-lens-perspective', 'orthographic' or 'spherical'.  (In element "
+			"'camera', around line 1, column 1)"},
+		{"render_settings_everything.xml",
+			"Found unexpected element 'x'.  (In element 'renderer_settings', around line 1, column 1)"},
+		{"tonemapping_unknown.xml",
+			"Error parsing tone mapping: Failed to find tonemapping child.  (In element 'tonemapping', around line 1, column "
+			"1)"},
+	};
+	for(const auto& c : cases)
+		EXPECT_EQ(VelornTest::failureOf<SceneParserExcep>([&] { readBack(goldenFile(c.golden)); }), c.message);
 }
 
 // Where the reader's defaults differ from those of a new node, an element
@@ -211,20 +232,29 @@ TEST(SceneRoundTrip, ReaderDefaultsThatDifferFromNewNodes)
 	EXPECT_EQ(SceneNodeMesh().subdivide_pixel_threshold, 4.0);
 	EXPECT_FALSE(read_mesh->view_dependent_subdivision);
 	EXPECT_TRUE(SceneNodeMesh().view_dependent_subdivision);
-
 	XMLText reinhard("<tonemapping><reinhard><pre_scale>1</pre_scale><post_scale>1</post_scale></reinhard></tonemapping>");
 	EXPECT_EQ(static_cast<SceneNodeTonemapping&>(*parser.parseElement(reinhard.root(), "")).burn, 10.0);
-	EXPECT_EQ(SceneNodeTonemapping(1, 1, 6).burn, 6.0);
 }
 
-// A scene written to a file reads back, binds and writes the same bytes.
-// Written under another name, only the directory of its mesh files changes.
-TEST(SceneRoundTrip, WholeSceneComesBackByteForByte)
+// A whole scene written twice gives the same bytes; both mesh nodes share
+// one file named by its content, in a directory named after the scene file
+// less its last extension. It reads back, binds and writes the same bytes
+// again; written under another name, only the directory of its mesh files
+// changes.
+TEST(SceneRoundTrip, WholeSceneWritesTheSameBytesAndComesBack)
 {
 	VelornTest::TempDir dir;
-	const std::string path = dir.file("scene.vls");
-	sceneToReadBack(dir)->writeToFile(path, false, nullptr);
+	const std::string path = dir.file("city.scene.vls");
+	const Reference<SceneNodeRoot> scene = sceneToReadBack(dir);
+	scene->writeToFile(path, false, nullptr);
 	const std::string written = VelornTest::readFile(path);
+	scene->writeToFile(path, false, nullptr);
+	EXPECT_EQ(VelornTest::readFile(path), written);
+	const std::string mesh_name = VelornTest::sampleMeshFileName();
+	EXPECT_EQ(filesIn(dir.path()), (std::vector<std::string>{"city.scene.vls", "city.scene_meshes"}));
+	EXPECT_EQ(filesIn(dir.file("city.scene_meshes")), std::vector<std::string>{mesh_name});
+	EXPECT_EQ(VelornTest::readFile(dir.file("city.scene_meshes/" + mesh_name)), VelornTest::sampleMeshFileBytes());
+	EXPECT_EQ(occurrences(written, "<path>" + dir.file("city.scene_meshes/" + mesh_name) + "</path>"), 2u);
 
 	SceneParser parser;
 	const Reference<SceneNodeRoot> root = parser.parseFile(path, "");
@@ -234,7 +264,7 @@ TEST(SceneRoundTrip, WholeSceneComesBackByteForByte)
 
 	root->writeToFile(dir.file("copy.vls"), false, nullptr);
 	EXPECT_EQ(VelornTest::readFile(dir.file("copy.vls")),
-		replacedAll(written, dir.file("scene_meshes/"), dir.file("copy_meshes/")));
+		replacedAll(written, dir.file("city.scene_meshes/"), dir.file("copy_meshes/")));
 }
 
 // A file keeps a white point in six digits, so it reads back rounded; a
@@ -247,6 +277,6 @@ TEST(SceneRoundTrip, SettingsFileGainsBackgroundAndKeepsRoundedWhitePoint)
 	EXPECT_EQ(static_cast<SceneNodeRenderSettings&>(*root->getRenderSettingsNode()).white_point->x, 0.333333);
 	root->writeToFile(dir.file("settings.vls"), false, nullptr);
 	EXPECT_EQ(VelornTest::readFile(dir.file("settings.vls")),
-		replacedAll(golden("render_settings_file.xml"), "</scene>\n",
+		replacedAll(goldenFile("render_settings_file.xml"), "</scene>\n",
 			"\n\t<background_settings>\n\t\t<uid>2</uid>\n\t\t<name>Background Settings</name>\n\t</background_settings>\n</scene>\n"));
 }

@@ -1,5 +1,6 @@
 #include "c4d/base_bitmap.h"
 #include "c4d/base_container.h"
+#include "c4d/picture_test_helpers.h"
 
 #include "support/file_utils.h"
 #include "support/test_files.h"
@@ -7,21 +8,11 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
-#include <array>
 #include <cstdlib>
 #include <string>
 
 namespace
 {
-
-using Rgb = std::array<int, 3>;
-
-Rgb pixelOf(const BaseBitmap& bmp, int32_t x, int32_t y)
-{
-	uint16_t r, g, b;
-	bmp.GetPixel(x, y, &r, &g, &b);
-	return {r, g, b};
-}
 
 // A picture whose pixels all differ, with an alpha channel that differs
 // from them when alpha is set.
@@ -128,10 +119,7 @@ TEST(BaseBitmap, PngRoundTripsExactly)
 	{
 		SCOPED_TRACE(c.what);
 		BaseBitmap original = pattern(7, 5, c.alpha);
-		const std::string file = dir.file(std::string(c.what) + ".png");
-		ASSERT_EQ(original.Save(Filename(file.c_str()), FILTER_PNG, nullptr, c.savebits), IMAGERESULT_OK);
-		BaseBitmap read;
-		ASSERT_EQ(read.Init(Filename(file.c_str())), IMAGERESULT_OK);
+		BaseBitmap read = saveAndRead(original, dir.file(std::string(c.what) + ".png"), FILTER_PNG, nullptr, c.savebits);
 		ASSERT_EQ(read.GetBw(), 7);
 		ASSERT_EQ(read.GetBh(), 5);
 		EXPECT_EQ(read.GetBt(), c.depthRead);
@@ -170,10 +158,7 @@ TEST(BaseBitmap, JpegRoundTripsWithinItsLoss)
 		BaseContainer settings;
 		if(qualities[i])
 			settings.SetInt32(JPGSAVER_QUALITY, qualities[i]);
-		const std::string file = dir.file("smooth" + std::to_string(i) + ".jpg");
-		ASSERT_EQ(smooth.Save(Filename(file.c_str()), FILTER_JPG, &settings, SAVEBIT_NONE), IMAGERESULT_OK);
-		BaseBitmap read;
-		ASSERT_EQ(read.Init(Filename(file.c_str())), IMAGERESULT_OK);
+		const BaseBitmap read = saveAndRead(smooth, dir.file("smooth" + std::to_string(i) + ".jpg"), FILTER_JPG, &settings);
 		EXPECT_EQ(read.GetBt(), 24);
 		ASSERT_EQ(read.GetBw(), 32);
 		ASSERT_EQ(read.GetBh(), 24);
@@ -201,11 +186,8 @@ TEST(BaseBitmap, GreyFlagWritesOneChannel)
 	for(const auto& c : cases)
 	{
 		SCOPED_TRACE(c.name);
-		const std::string file = dir.file(c.name);
-		ASSERT_EQ(colour.Save(Filename(file.c_str()), c.filter, nullptr, SAVEBIT_GREYSCALE), IMAGERESULT_OK);
-		EXPECT_EQ(storedComponents(file), 1);
-		BaseBitmap read;
-		ASSERT_EQ(read.Init(Filename(file.c_str())), IMAGERESULT_OK);
+		const BaseBitmap read = saveAndRead(colour, dir.file(c.name), c.filter, nullptr, SAVEBIT_GREYSCALE);
+		EXPECT_EQ(storedComponents(dir.file(c.name)), 1);
 		for(const Rgb& p : {pixelOf(read, 0, 0), pixelOf(read, 7, 7)})
 		{
 			EXPECT_EQ(p[0], p[1]);

@@ -1,21 +1,10 @@
 #include "c4d/base_bitmap.h"
 #include "c4d/base_draw.h"
+#include "c4d/picture_test_helpers.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
-
-namespace
-{
-
-bool hasColor(const BaseBitmap& bmp, int32_t x, int32_t y, int32_t r, int32_t g, int32_t b)
-{
-	uint16_t pr, pg, pb;
-	bmp.GetPixel(x, y, &pr, &pg, &pb);
-	return pr == r && pg == g && pb == b;
-}
-
-} // namespace
 
 // The safe frame fits the render's picture into the view.
 TEST(BaseDraw, SafeFrame)
@@ -63,22 +52,20 @@ TEST(BaseDraw, RasterisesProjectedLines)
 
 	BaseBitmap bmp;
 	ASSERT_TRUE(view.rasterise(bmp));
-	EXPECT_TRUE(hasColor(bmp, 100, 50, 0, 255, 0));
-	EXPECT_TRUE(hasColor(bmp, 80, 50, 0, 255, 0));
-	EXPECT_TRUE(hasColor(bmp, 119, 50, 0, 255, 0));
-	EXPECT_FALSE(hasColor(bmp, 75, 50, 0, 255, 0));
-	EXPECT_FALSE(hasColor(bmp, 124, 50, 0, 255, 0));
-	EXPECT_TRUE(hasColor(bmp, 120, 70, 0, 0, 255));
+	const Rgb green = {0, 255, 0}, blue = {0, 0, 255};
+	EXPECT_EQ(pixelOf(bmp, 100, 50), green);
+	EXPECT_EQ(pixelOf(bmp, 80, 50), green);
+	EXPECT_EQ(pixelOf(bmp, 119, 50), green);
+	EXPECT_NE(pixelOf(bmp, 75, 50), green);
+	EXPECT_NE(pixelOf(bmp, 124, 50), green);
+	EXPECT_EQ(pixelOf(bmp, 120, 70), blue);
 	int32_t above = 0, below = 0;
 	for(int32_t y = 0; y < 100; ++y)
 		for(int32_t x = 0; x < 200; ++x)
-			if(hasColor(bmp, x, y, 0, 0, 255))
+			if(pixelOf(bmp, x, y) == blue)
 				(y < 70 ? above : below) += 1;
 	EXPECT_EQ(above, 0);
 	EXPECT_GT(below, 10);
 	// The ground is dark grey.
-	EXPECT_TRUE(hasColor(bmp, 5, 5, 60, 60, 60));
-
-	view.clearCalls();
-	EXPECT_TRUE(view.calls().empty());
+	EXPECT_EQ(pixelOf(bmp, 5, 5), (Rgb{60, 60, 60}));
 }

@@ -149,26 +149,18 @@ TEST(GeListNode, OwnershipFreesEachNodeOnce)
 	EXPECT_EQ(none, nullptr);
 }
 
-TEST(BaseList2D, NameDataInfoAndBits)
+TEST(BaseList2D, SetDataReplacesTheContainerAndBitsAreKeptApart)
 {
 	Node node("n");
-	node.SetName("renamed");
-	EXPECT_EQ(node.GetName(), String("renamed"));
-	EXPECT_EQ(node.GetType(), 1);
 	node.GetDataInstance()->SetInt32(1001, 7);
-	EXPECT_EQ(node.GetData().GetInt32(1001), 7);
 	BaseContainer bc;
 	bc.SetFloat(5, 0.5);
 	node.SetData(bc);
-	EXPECT_EQ(node.GetDataInstance()->GetInt32(1001, -1), -1);
 	EXPECT_EQ(node.GetData(), bc);
-	node.SetInfo(0x200);
-	EXPECT_EQ(node.GetInfo(), 0x200);
-	EXPECT_FALSE(node.GetBit(BIT_ACTIVE));
 	node.SetBit(BIT_ACTIVE);
 	node.SetBit(1 << 4);
-	EXPECT_TRUE(node.GetBit(BIT_ACTIVE));
 	EXPECT_EQ(node.GetAllBits(), BIT_ACTIVE | 1 << 4);
 	node.DelBit(BIT_ACTIVE);
+	EXPECT_FALSE(node.GetBit(BIT_ACTIVE));
 	EXPECT_EQ(node.GetAllBits(), 1 << 4);
 }

@@ -1,6 +1,7 @@
 #include "c4d/base_document.h"
 #include "c4d/base_material.h"
 #include "c4d/base_shader.h"
+#include "c4d/geometry_test_helpers.h"
 #include "c4d/plugin_registry.h"
 
 #include <gtest/gtest.h>
@@ -120,9 +121,9 @@ TEST(BaseShader, RenderCallsGoToThePluginOrTheHostShader)
 	ASSERT_TRUE(RegisterShaderPlugin(id, String("Sampling"), 0, Sampling::Alloc, String(), 0));
 	Sampling::calls.clear();
 
-	BaseShader* plugin = BaseShader::Alloc(id);
-	BaseDocument* doc = BaseDocument::Alloc();
-	EXPECT_EQ(plugin->InitRender(InitRenderStruct(doc)), INITRENDERRESULT_ASSETMISSING);
+	Owned<BaseShader> plugin(BaseShader::Alloc(id));
+	Owned<BaseDocument> doc(BaseDocument::Alloc());
+	EXPECT_EQ(plugin->InitRender(InitRenderStruct(doc.get())), INITRENDERRESULT_ASSETMISSING);
 	ChannelData cd;
 	cd.p = Vector(0.25, 0.5, 1);
 	EXPECT_EQ(plugin->Sample(&cd), Vector(0.5, 1, 2));
@@ -136,26 +137,19 @@ TEST(BaseShader, RenderCallsGoToThePluginOrTheHostShader)
 
 	// The host's colour shader gives its colour wherever it is sampled;
 	// the bitmap shader answers black until images can be sampled.
-	BaseShader* colour = BaseShader::Alloc(Xcolor);
+	Owned<BaseShader> colour(BaseShader::Alloc(Xcolor));
 	colour->GetDataInstance()->SetVector(COLORSHADER_COLOR, Vector(0.1, 0.2, 0.3));
 	EXPECT_EQ(colour->InitRender(InitRenderStruct()), INITRENDERRESULT_OK);
 	EXPECT_EQ(colour->Sample(&cd), Vector(0.1, 0.2, 0.3));
 	EXPECT_EQ(colour->GetRenderInfo(), 0);
 	colour->FreeRender();
-	BaseShader* bitmap = BaseShader::Alloc(Xbitmap);
-	EXPECT_EQ(bitmap->Sample(&cd), Vector(0, 0, 0));
+	EXPECT_EQ(Owned<BaseShader>(BaseShader::Alloc(Xbitmap))->Sample(&cd), Vector(0, 0, 0));
 
 	// A plug-in without render calls of its own: success and black.
 	ASSERT_TRUE(RegisterShaderPlugin(1024768, String("Plain"), 0, []() -> NodeData* { return new ShaderData(); },
 		String(), 0));
-	BaseShader* plain = BaseShader::Alloc(1024768);
+	Owned<BaseShader> plain(BaseShader::Alloc(1024768));
 	EXPECT_EQ(plain->InitRender(InitRenderStruct()), INITRENDERRESULT_OK);
 	EXPECT_EQ(plain->Sample(&cd), Vector(0, 0, 0));
-
-	BaseShader::Free(plain);
-	BaseShader::Free(bitmap);
-	BaseShader::Free(colour);
-	BaseShader::Free(plugin);
-	BaseDocument::Free(doc);
 	PluginRegistry::get().clear();
 }

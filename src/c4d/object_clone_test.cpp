@@ -1,19 +1,40 @@
 #include "c4d/base_object.h"
 
+#include "c4d/base_document.h"
 #include "c4d/base_shader.h"
+#include "c4d/document_file.h"
+#include "c4d/geometry_test_helpers.h"
 #include "c4d/polygon_object.h"
 #include "c4d/texture_tag.h"
 #include "c4d/variable_tags.h"
 
 #include <gtest/gtest.h>
 
+#include <string>
+
+namespace
+{
+
+// The text of a document that holds the object alone.
+std::string documentOf(BaseObject* op)
+{
+	BaseDocument doc;
+	doc.InsertObject(op, nullptr, nullptr);
+	const std::string text = WriteDocumentText(doc);
+	op->Remove();
+	return text;
+}
+
+} // namespace
+
 // A clone is a free tree of copies: parameters and owned shaders (links
-// pointing to the copies), matrix, modes, tracks, tags with their data,
-// and the points and polygons of polygon objects, children included;
-// caches are not copied.
+// pointing to the copies), matrix, modes, tracks, tags of their classes
+// with their data, and the points and polygons of polygon objects,
+// children included; caches are not copied. The document text compares
+// all that the file form holds.
 TEST(BaseObject, CloneCopiesTheTree)
 {
-	PolygonObject* source = PolygonObject::Alloc(3, 1);
+	Owned<PolygonObject> source(PolygonObject::Alloc(3, 1));
 	source->SetName("Triangle");
 	source->GetPointW()[1] = Vector(1, 2, 3);
 	source->GetPolygonW()[0] = CPolygon(0, 1, 2);
@@ -34,64 +55,31 @@ TEST(BaseObject, CloneCopiesTheTree)
 	source->InsertTag(texture, uvw);
 	BaseObject* child = BaseObject::Alloc(Osphere);
 	child->SetName("Child");
-	child->InsertUnder(source);
-	PolygonObject* grandchild = PolygonObject::Alloc(4, 0);
-	grandchild->InsertUnder(child);
-	BaseObject* second = BaseObject::Alloc(Onull);
-	second->InsertUnderLast(source);
-	source->SetCache(PolygonObject::Alloc(1, 0));
+	child->InsertUnder(source.get());
+	PolygonObject::Alloc(4, 0)->InsertUnder(child);
+	BaseObject::Alloc(Onull)->InsertUnderLast(source.get());
 
-	BaseObject* copy = source->GetClone();
-	ASSERT_NE(copy, nullptr);
-	PolygonObject* poly = dynamic_cast<PolygonObject*>(copy);
-	ASSERT_NE(poly, nullptr);
-	EXPECT_EQ(copy->GetName(), String("Triangle"));
+	Owned<BaseObject> copy(source->GetClone());
+	ASSERT_NE(dynamic_cast<PolygonObject*>(copy.get()), nullptr);
 	EXPECT_EQ(copy->GetUp(), nullptr);
 	EXPECT_EQ(copy->GetListHead(), nullptr);
-	EXPECT_EQ(copy->GetMl(), source->GetMl());
-	EXPECT_EQ(copy->GetRenderMode(), MODE_OFF);
-	EXPECT_EQ(copy->GetEditorMode(), MODE_ON);
-	EXPECT_FALSE(copy->GetDeformMode());
-	ASSERT_EQ(copy->GetTracks().position.GetKeys().size(), 1u);
-	EXPECT_EQ(copy->GetTracks().position.GetValue(BaseTime(1.0)), Vector(7, 8, 9));
-	EXPECT_EQ(copy->GetDataInstance()->GetInt32(1234), 42);
+	// The classes first: the writer reads a tag's data by its type.
+	const UVWTag* uvwCopy = dynamic_cast<const UVWTag*>(copy->GetFirstTag());
+	ASSERT_NE(uvwCopy, nullptr);
+	ASSERT_NE(dynamic_cast<const TextureTag*>(uvwCopy->GetNext()), nullptr);
+	EXPECT_EQ(uvwCopy->GetObject(), copy.get());
+	ASSERT_NE(dynamic_cast<const PolygonObject*>(copy->GetDown()->GetDown()), nullptr);
+	EXPECT_NE(copy->GetDown(), child);
+	const std::string copied = documentOf(copy.get());
+	EXPECT_EQ(copied, documentOf(source.get()));
+	// Files leave out an object's shaders.
 	ASSERT_NE(copy->GetFirstShader(), nullptr);
 	EXPECT_NE(copy->GetFirstShader(), owned);
 	EXPECT_EQ(copy->GetDataInstance()->GetLink(1235), copy->GetFirstShader());
-	EXPECT_EQ(copy->GetCache(), nullptr);
 
-	ASSERT_EQ(poly->GetPointCount(), 3);
-	EXPECT_EQ(poly->GetPointR()[1], Vector(1, 2, 3));
-	ASSERT_EQ(poly->GetPolygonCount(), 1);
-	EXPECT_EQ(poly->GetPolygonR()[0], CPolygon(0, 1, 2));
-
-	// The tags in their order, as their classes, held by the copy.
-	const UVWTag* uvwCopy = dynamic_cast<const UVWTag*>(copy->GetFirstTag());
-	ASSERT_NE(uvwCopy, nullptr);
-	EXPECT_NE(uvwCopy, uvw);
-	EXPECT_EQ(uvwCopy->GetObject(), copy);
-	ASSERT_EQ(uvwCopy->GetDataCount(), 1);
-	EXPECT_EQ(uvwCopy->Get(0).b, Vector(1, 0, 0));
-	const BaseTag* textureCopy = uvwCopy->GetNext();
-	ASSERT_NE(dynamic_cast<const TextureTag*>(textureCopy), nullptr);
-	EXPECT_EQ(textureCopy->GetName(), String("Paint"));
-	EXPECT_EQ(textureCopy->GetNext(), nullptr);
-
-	// The children in their order, a polygon object among them as one.
-	BaseObject* childCopy = copy->GetDown();
-	ASSERT_NE(childCopy, nullptr);
-	EXPECT_NE(childCopy, child);
-	EXPECT_EQ(childCopy->GetName(), String("Child"));
-	EXPECT_EQ(childCopy->GetType(), Osphere);
-	const PolygonObject* grandchildCopy = dynamic_cast<const PolygonObject*>(childCopy->GetDown());
-	ASSERT_NE(grandchildCopy, nullptr);
-	EXPECT_EQ(grandchildCopy->GetPointCount(), 4);
-	ASSERT_NE(childCopy->GetNext(), nullptr);
-	EXPECT_EQ(childCopy->GetNext()->GetType(), Onull);
-	EXPECT_EQ(childCopy->GetNext()->GetNext(), nullptr);
-
-	// The copy stands alone.
-	BaseObject::Free(source);
-	EXPECT_EQ(copy->GetDataInstance()->GetInt32(1234), 42);
-	BaseObject::Free(copy);
+	// The copy stands alone, and a cache stays with the original.
+	source->SetCache(PolygonObject::Alloc(1, 0));
+	EXPECT_EQ(Owned<BaseObject>(source->GetClone())->GetCache(), nullptr);
+	source.reset();
+	EXPECT_EQ(documentOf(copy.get()), copied);
 }

@@ -151,9 +151,4 @@ TEST(Primitives, HostObjectTypes)
 	Owned<BaseObject> instance(BaseObject::Alloc(Oinstance));
 	EXPECT_EQ(instance->GetDataInstance()->GetData(INSTANCEOBJECT_LINK).GetType(), DA_ALIASLINK);
 	EXPECT_FALSE(instance->GetDataInstance()->GetBool(INSTANCEOBJECT_RENDERINSTANCE, true));
-	const BaseContainer s = Owned<BaseObject>(BaseObject::Alloc(Osphere))->GetData();
-	EXPECT_EQ(s.GetFloat(PRIM_SPHERE_RAD), 100.0);
-	EXPECT_EQ(s.GetInt32(PRIM_SPHERE_SUB), 24);
-	EXPECT_EQ(s.GetInt32(PRIM_SPHERE_TYPE, -1), 0);
-	EXPECT_TRUE(s.GetBool(PRIM_SPHERE_PERFECT));
 }

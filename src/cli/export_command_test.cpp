@@ -35,10 +35,9 @@ TEST(ExportCommand, BundledExampleExportsToACheckedScene)
 	const std::string example = VelornTest::testDataPath("../examples/studio.json");
 	EXPECT_EQ(ExportCommand::run(options(example, scene)), "Wrote " + scene);
 
+	// The plug-in was loaded from the directory given.
 	const std::string console = ExportCommand::consoleText();
 	EXPECT_TRUE(contains(console, "Loading velorn from: " VELORN_PLUGIN_DIR "\n")) << console;
-	EXPECT_TRUE(contains(console, "Starting export...\n")) << console;
-	EXPECT_TRUE(contains(console, "Saved scene to: " + dir.file("out") + "\\studio.vls\n")) << console;
 	// The tag's settings reach the scene: the camera response of entry 52.
 	const std::string text = VelornTest::readFile(scene);
 	EXPECT_TRUE(contains(text, "data/camera_response_functions/Portra-100TCD.txt")) << text;
@@ -53,8 +52,6 @@ TEST(ExportCommand, BundledExampleExportsToACheckedScene)
 				"1 Tone Mapping, 1 Background Settings, 1 Metadata");
 	for(const char* kind : {"<phong>", "<coating>", "<specular>", "def eval(vec3 pos) vec3: (lerp("})
 		EXPECT_TRUE(contains(text, kind)) << kind;
-	EXPECT_TRUE(contains(console, "Instances exported: 1\n")) << console;
-	EXPECT_TRUE(contains(console, "SceneExportObjectMotionBlurSG()\n")) << console;
 	EXPECT_EQ(Velorn::FileUtils::getFilesInDir(dir.file("out/studio_meshes")).size(), 6u);
 }
 

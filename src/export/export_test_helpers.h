@@ -5,6 +5,7 @@
 #include "c4d/document_file.h"
 #include "c4d/host_clock.h"
 #include "c4d/plugin_test_helpers.h"
+#include "c4d/polygon_object.h"
 #include "c4d/resources.h"
 #include "c4d/world_preferences.h"
 #include "export/export_settings.h"
@@ -19,6 +20,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 #include <vector>
@@ -46,6 +48,16 @@ inline void registerExportPlugins()
 		return true;
 	}();
 	(void)done;
+}
+
+// A polygon object of the points and polygons, named, in no document.
+inline PolygonObject* polygonObject(const char* name, const std::vector<Vector>& points, const std::vector<CPolygon>& polygons)
+{
+	PolygonObject* op = PolygonObject::Alloc((int32_t)points.size(), (int32_t)polygons.size());
+	op->SetName(String(name));
+	std::copy(points.begin(), points.end(), op->GetPointW());
+	std::copy(polygons.begin(), polygons.end(), op->GetPolygonW());
+	return op;
 }
 
 // A host whose clock and date stand still, with an empty console, the
@@ -127,12 +139,18 @@ public:
 	std::vector<Filename> temp_files;
 };
 
-// A node of a scene as its class; the test fails when it is missing.
-template <class T>
-T& nodeOf(const Velorn::Reference<Velorn::SceneNode>& node)
+// A node of a scene (or a value of one) as its class; the test fails when
+// it is missing or of another class.
+template <class T, class U>
+T& nodeOf(U* node)
 {
-	T* typed = dynamic_cast<T*>(node.getPointer());
+	T* typed = dynamic_cast<T*>(node);
 	if(!typed)
 		throw std::runtime_error("the scene lacks the node");
 	return *typed;
+}
+template <class T>
+T& nodeOf(const Velorn::Reference<Velorn::SceneNode>& node)
+{
+	return nodeOf<T>(node.getPointer());
 }

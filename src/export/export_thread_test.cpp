@@ -8,6 +8,7 @@
 #include "c4d/dialog_script.h"
 #include "c4d/render_data.h"
 #include "export/export_test_helpers.h"
+#include "host/host_test_helpers.h"
 #include "host/settings.h"
 #include "support/file_utils.h"
 #include "support/platform.h"
@@ -15,11 +16,7 @@
 #include "support/user_data_dir.h"
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
-#include <thread>
-
-
 
 namespace
 {
@@ -65,23 +62,8 @@ protected:
 		rd->SetTime(RDATA_FRAMETO, BaseTime(to, 30));
 	}
 
-	// The arguments the renderer was started with, behind the seed. The
-	// renderer runs by itself, so its record appears some time after the
-	// launch, with the platform's line ends.
-	std::string launchedWith() const
-	{
-		const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-		while(!Velorn::FileUtils::fileExists(arguments()))
-		{
-			if(std::chrono::steady_clock::now() > deadline)
-				return "(not launched)";
-			std::this_thread::sleep_for(std::chrono::milliseconds(20));
-		}
-		std::string text = VelornTest::readFile(arguments());
-		text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
-		const size_t seed = text.find("-seed\n");
-		return seed == std::string::npos ? text : text.substr(text.find('\n', seed + 6) + 1);
-	}
+	// The arguments the renderer was started with, behind the seed.
+	std::string launchedWith() const { return argumentsAfterSeed(recordedArguments(arguments()), "velorn.exe"); }
 
 	std::vector<std::string> quickFiles() const
 	{
@@ -90,6 +72,18 @@ protected:
 			names.push_back(entry.path().filename().string());
 		std::sort(names.begin(), names.end());
 		return names;
+	}
+
+	// The quick render folder after an animation of frames 0 to last: the
+	// queue, then the scenes and their textures directories, sorted.
+	static std::vector<std::string> animationFiles(int last)
+	{
+		std::vector<std::string> files = {"quickrender.vlq"};
+		for(int frame = 0; frame <= last; ++frame)
+			files.push_back("quickrender_frame00000" + std::to_string(frame) + ".vls");
+		for(int frame = 0; frame <= last; ++frame)
+			files.push_back("textures.quickrender_frame00000" + std::to_string(frame));
+		return files;
 	}
 
 	std::vector<String> messages() const { return HostConsole::get().texts(HostConsole::Kind::Message); }
@@ -121,12 +115,7 @@ TEST_F(RenderWithVelorn, AnimationWritesQueue)
 	render();
 
 	EXPECT_TRUE(messages().empty());
-	EXPECT_EQ(quickFiles(), (std::vector<std::string>{"quickrender.vlq", "quickrender_frame000000.vls",
-								"quickrender_frame000001.vls", "quickrender_frame000002.vls",
-								"quickrender_frame000003.vls", "quickrender_frame000004.vls",
-								"textures.quickrender_frame000000", "textures.quickrender_frame000001",
-								"textures.quickrender_frame000002", "textures.quickrender_frame000003",
-								"textures.quickrender_frame000004"}));
+	EXPECT_EQ(quickFiles(), animationFiles(4));
 	// Each seed is a whole number below the timer's reading of 1000; the
 	// rest of the queue is compared with the seeds as "#".
 	std::string queue = VelornTest::readFile(quickFile("quickrender.vlq"));
@@ -173,9 +162,7 @@ TEST_F(RenderWithVelorn, SingleFrameAndRates)
 		std::vector<std::string> files;
 	} cases[] = {
 		{10, 2, {"quickrender.vls", "textures.quickrender"}},
-		{0, 2, {"quickrender.vlq", "quickrender_frame000000.vls", "quickrender_frame000001.vls",
-				   "quickrender_frame000002.vls", "textures.quickrender_frame000000",
-				   "textures.quickrender_frame000001", "textures.quickrender_frame000002"}},
+		{0, 2, animationFiles(2)},
 	};
 	for(const auto& c : cases)
 	{

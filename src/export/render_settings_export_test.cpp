@@ -17,6 +17,12 @@ Reference<SceneNodeRenderSettings> exportWith(ExportSettings& settings)
 	return node;
 }
 
+Reference<SceneNodeRenderSettings> exportWith(TestDocument& d)
+{
+	ExportSettings settings = d.settings();
+	return exportWith(settings);
+}
+
 } // namespace
 
 TEST_F(ExportTest, RenderModeSetsFiveSwitches)
@@ -40,8 +46,7 @@ TEST_F(ExportTest, RenderModeSetsFiveSwitches)
 	{
 		SCOPED_TRACE(t.mode);
 		d.videoPost().SetInt32(vp_render_mode, t.mode);
-		ExportSettings settings = d.settings();
-		Reference<SceneNodeRenderSettings> node = exportWith(settings);
+		Reference<SceneNodeRenderSettings> node = exportWith(d);
 		EXPECT_EQ((std::vector<bool>{node->getBool("metropolis"), node->getBool("bidirectional"),
 					  node->getBool("material_id_tracer"), node->getBool("shadow_pass"), node->getBool("depth_pass")}),
 			(std::vector<bool>{t.metropolis, t.bidirectional, t.material_id, t.shadow, t.depth}));
@@ -63,8 +68,7 @@ TEST_F(ExportTest, ThreadCountOnlyWithoutAutomaticThreads)
 	{
 		SCOPED_TRACE(t.auto_threads);
 		vp.SetInt32(vp_auto_threads, t.auto_threads);
-		ExportSettings settings = d.settings();
-		Reference<SceneNodeRenderSettings> node = exportWith(settings);
+		Reference<SceneNodeRenderSettings> node = exportWith(d);
 		EXPECT_EQ(node->getBool("auto_choose_num_threads"), t.chosen_automatically);
 		EXPECT_EQ(node->getInt("num_threads"), t.num_threads);
 	}
@@ -90,13 +94,11 @@ TEST_F(ExportTest, GPUDeviceIsChosenByTheBooleanOfTheDeviceNumber)
 	{
 		SCOPED_TRACE(t.device);
 		vp.SetInt32(vp_gpu_device, t.device);
-		ExportSettings settings = d.settings();
-		Reference<SceneNodeRenderSettings> node = exportWith(settings);
+		Reference<SceneNodeRenderSettings> node = exportWith(d);
 		ASSERT_TRUE(node->gpu_device.nonNull());
 		EXPECT_EQ(node->gpu_device->device_name, Velorn::String(t.chosen));
 		EXPECT_FALSE(node->getBool("gpu"));
 	}
 	gpu_devices.resize(1);
-	ExportSettings settings = d.settings();
-	EXPECT_TRUE(exportWith(settings)->gpu_device.isNull());
+	EXPECT_TRUE(exportWith(d)->gpu_device.isNull());
 }

@@ -13,6 +13,7 @@
 #include "scene/scene_node_sphere.h"
 #include "scene/wavelength_values.h"
 
+#include <algorithm>
 #include <map>
 #include <string>
 
@@ -42,14 +43,7 @@ Matrix at(double x, double y, double z)
 // A square of 100 units in the xz plane, one quad.
 PolygonObject* square(const char* name, const Matrix& ml = Matrix())
 {
-	PolygonObject* op = PolygonObject::Alloc(4, 1);
-	op->SetName(String(name));
-	Vector* p = op->GetPointW();
-	p[0] = Vector(0, 0, 0);
-	p[1] = Vector(100, 0, 0);
-	p[2] = Vector(100, 0, 100);
-	p[3] = Vector(0, 0, 100);
-	op->GetPolygonW()[0] = CPolygon(0, 1, 2, 3);
+	PolygonObject* op = polygonObject(name, {{0, 0, 0}, {100, 0, 0}, {100, 0, 100}, {0, 0, 100}}, {{0, 1, 2, 3}});
 	op->SetMl(ml);
 	return op;
 }
@@ -266,13 +260,11 @@ TEST_F(WalkTest, LightsBecomeEmittingGeometry)
 	ASSERT_EQ(spot->ies_profiles.size(), 1u);
 	EXPECT_EQ(Filename(String(spot->ies_profiles[0]->path.str())).GetFile().GetString(), String("default.ies"));
 	EXPECT_TRUE(model(root, "Disc")->ies_profiles.empty());
-	const auto lightMaterials = nodes<Velorn::SceneNodeMaterial>(root, Velorn::SceneNodeType::Material);
-	size_t lightMaterialCount = 0;
-	for(auto* m : lightMaterials)
-		if(m->getName().str() == "defaultLight")
-			++lightMaterialCount;
+	const auto materials = nodes<Velorn::SceneNodeMaterial>(root, Velorn::SceneNodeType::Material);
 	// One per light that exports: omni, spot, six shapes, the object shape.
-	EXPECT_EQ(lightMaterialCount, 9u);
+	EXPECT_EQ(std::count_if(materials.begin(), materials.end(),
+				  [](const Velorn::SceneNodeMaterial* m) { return m->getName().str() == "defaultLight"; }),
+		9);
 }
 
 TEST_F(WalkTest, LightTagGivesSpectrumLayerScaleAndProfile)
@@ -299,20 +291,14 @@ TEST_F(WalkTest, LightTagGivesSpectrumLayerScaleAndProfile)
 	ASSERT_EQ(model->ies_profiles.size(), 1u);
 	EXPECT_EQ(model->ies_profiles[0]->path.str(), "/profiles/narrow.ies");
 
-	const auto* material = dynamic_cast<const Velorn::SceneNodeMaterial*>(
-		root->findChild(settings->light_material));
-	ASSERT_NE(material, nullptr);
-	const auto* diffuse = dynamic_cast<const Velorn::DiffuseMaterial*>(material->material.getPointer());
-	ASSERT_NE(diffuse, nullptr);
+	const auto& diffuse = nodeOf<const Velorn::DiffuseMaterial>(
+		nodeOf<const Velorn::SceneNodeMaterial>(root->findChild(settings->light_material)).material.getPointer());
 	// Host layer 3 is the first layer met: renderer layer 0.
-	EXPECT_EQ(diffuse->layer, 0u);
+	EXPECT_EQ(diffuse.layer, 0u);
 	EXPECT_EQ(settings->layers, (std::map<int32_t, int32_t>{{3, 0}}));
-	const auto* emission = dynamic_cast<const Velorn::ConstantWavelengthDependentParam*>(diffuse->emission.getPointer());
-	ASSERT_NE(emission, nullptr);
-	const auto* spectrum = dynamic_cast<const Velorn::BlackBodySpectrum*>(emission->spectrum.getPointer());
-	ASSERT_NE(spectrum, nullptr);
-	EXPECT_EQ(spectrum->temperature, 3200);
-	EXPECT_EQ(spectrum->gain, 4);
+	const auto& spectrum = nodeOf<const Velorn::BlackBodySpectrum>(
+		nodeOf<const Velorn::ConstantWavelengthDependentParam>(diffuse.emission.getPointer()).spectrum.getPointer());
+	EXPECT_EQ((std::vector<double>{spectrum.temperature, spectrum.gain}), (std::vector<double>{3200, 4}));
 }
 
 // A parent moving 1 m per frame along x, with a motion blur tag of the
@@ -331,19 +317,13 @@ protected:
 	// The exposure is 1 / divisor seconds at the document's 30 frames.
 	void exposure(double divisor) { doc.tag().SetFloat(ct_exposure_divisor, divisor); }
 
-	static std::vector<double> times(const SceneNodeModel& model)
+	// The time or the x of each keyframe.
+	static std::vector<double> keys(const SceneNodeModel& model, bool time)
 	{
-		std::vector<double> t;
+		std::vector<double> values;
 		for(const auto& key : model.keyframes)
-			t.push_back(key.time);
-		return t;
-	}
-	static std::vector<double> xs(const SceneNodeModel& model)
-	{
-		std::vector<double> x;
-		for(const auto& key : model.keyframes)
-			x.push_back(key.pos.x);
-		return x;
+			values.push_back(time ? key.time : key.pos.x);
+		return values;
 	}
 };
 
@@ -355,8 +335,8 @@ TEST_F(MotionBlurWalkTest, ParentTagSpreadsKeyframesOverTheExposure)
 	const Reference<SceneNodeRoot> root = exportScene();
 	const SceneNodeModel* moving = model(root, "Moving");
 	ASSERT_NE(moving, nullptr);
-	EXPECT_EQ(times(*moving), (std::vector<double>{0, 1.0 / 3, 2.0 / 3, 1.0}));
-	const std::vector<double> x = xs(*moving);
+	EXPECT_EQ(keys(*moving, true), (std::vector<double>{0, 1.0 / 3, 2.0 / 3, 1.0}));
+	const std::vector<double> x = keys(*moving, false);
 	ASSERT_EQ(x.size(), 4u);
 	for(size_t i = 0; i < x.size(); ++i)
 		EXPECT_NEAR(x[i], double(i), 1e-6);
@@ -375,15 +355,15 @@ TEST_F(MotionBlurWalkTest, StrengthZeroAndShortExposureGiveTwoKeyframes)
 	exposure(10);
 	Reference<SceneNodeRoot> root = exportScene();
 	// No steps: both keyframes at the frame itself.
-	EXPECT_EQ(times(*model(root, "Moving")), (std::vector<double>{0, 1}));
-	EXPECT_EQ(xs(*model(root, "Moving")), (std::vector<double>{0, 0}));
+	EXPECT_EQ(keys(*model(root, "Moving"), true), (std::vector<double>{0, 1}));
+	EXPECT_EQ(keys(*model(root, "Moving"), false), (std::vector<double>{0, 0}));
 
 	// 1/100 s is 0.3 frames: below half a frame no step is made, and the
 	// last keyframe lies at the end of the exposure, 0.3 m on.
 	doc.doc->GetFirstObject()->GetNext()->GetTag(Tmotionblur)->GetDataInstance()->SetFloat(1000, 1.0);
 	exposure(100);
 	root = exportScene();
-	const std::vector<double> x = xs(*model(root, "Moving"));
+	const std::vector<double> x = keys(*model(root, "Moving"), false);
 	ASSERT_EQ(x.size(), 2u);
 	EXPECT_EQ(x[0], 0);
 	EXPECT_NEAR(x[1], 0.3, 1e-6);

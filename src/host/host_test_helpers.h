@@ -5,12 +5,48 @@
 #include "c4d/plugin_registry.h"
 #include "c4d/resources.h"
 #include "host/plugin_globals.h"
+#include "support/file_utils.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <functional>
 #include <initializer_list>
+#include <string>
+#include <thread>
+
+// What the program that records its arguments wrote to record, one a line,
+// with POSIX line ends. The program runs by itself, so its record is waited
+// for, up to 20 s; "(not launched)" when none appears.
+inline std::string recordedArguments(const std::string& record)
+{
+	const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+	while(!Velorn::FileUtils::fileExists(record))
+	{
+		if(std::chrono::steady_clock::now() > deadline)
+			return "(not launched)";
+		std::this_thread::sleep_for(std::chrono::milliseconds(20));
+	}
+	std::string text = VelornTest::readFile(record);
+	text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+	return text;
+}
+
+// The recorded arguments behind the program's name, "-seed" and the seed,
+// a whole number (the seed changes from run to run).
+inline std::string argumentsAfterSeed(const std::string& recorded, const std::string& program)
+{
+	const std::string head = program + "\n-seed\n";
+	EXPECT_EQ(recorded.substr(0, head.size()), head) << recorded;
+	const size_t end = recorded.find('\n', head.size());
+	if(end == std::string::npos)
+		return recorded;
+	EXPECT_EQ(recorded.substr(head.size(), end - head.size()).find_first_not_of("0123456789"), std::string::npos)
+		<< recorded;
+	return recorded.substr(end + 1);
+}
 
 // A document with the module's resources (strings and description files)
 // read from the source tree and the given registrations made.

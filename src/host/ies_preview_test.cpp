@@ -19,7 +19,6 @@
 
 #include <filesystem>
 #include <memory>
-#include <sstream>
 
 using namespace Velorn;
 
@@ -114,19 +113,7 @@ protected:
 		return data ? data->GetBitmap() : nullptr;
 	}
 
-	// The recorded arguments after the seed's value, one a line.
-	std::string argumentsAfterSeed()
-	{
-		const std::string recorded = VelornTest::readFile(record());
-		std::istringstream lines(recorded);
-		std::string line, rest;
-		int index = 0;
-		while(std::getline(lines, line))
-			if(index++ >= 3)
-				rest += line + "\n";
-		EXPECT_EQ(recorded.substr(0, std::string("velorn.exe\n-seed\n").size()), "velorn.exe\n-seed\n");
-		return rest;
-	}
+	std::string launchedWith() const { return argumentsAfterSeed(recordedArguments(record()), "velorn.exe"); }
 
 	VelornTest::TempDir home, renderer, out, lamps;
 	std::unique_ptr<VelornTest::UserDataDirectory> data_dir;
@@ -148,30 +135,14 @@ TEST_F(IesPreviewTest, RendersTheTemplateWithTheProfileAndShowsItWithPosixLineEn
 	ASSERT_TRUE(press(tag));
 	EXPECT_EQ(outcome(tag), IesPreviewOutcome::Rendered);
 
-	// Every model's first profile points at the tag's file; the rest stays.
-	EXPECT_EQ(VelornTest::readFile(sceneFile()), "<scene>\n"
-												 "    <model>\n"
-												 "        <name>lamp</name>\n"
-												 "        <ies_profile>\n"
-												 "            <material_uid>3</material_uid>\n"
-												 "            <path>"
-		+ profile + "</path>\n"
-					"        </ies_profile>\n"
-					"        <ies_profile>\n"
-					"            <path>second.ies</path>\n"
-					"        </ies_profile>\n"
-					"    </model>\n"
-					"    <model>\n"
-					"        <name>floor</name>\n"
-					"    </model>\n"
-					"    <model>\n"
-					"        <ies_profile>\n"
-					"            <material_uid>4</material_uid>\n"
-					"            <path>"
-		+ profile + "</path>\n"
-					"        </ies_profile>\n"
-					"    </model>\n"
-					"</scene>\n");
+	// Every model's first profile points at the tag's file, its path
+	// written last; the rest stays.
+	const std::string path = "            <path>" + profile + "</path>\n";
+	std::string expected = VelornTest::replacedAll(kTemplate,
+		"            <path>old.ies</path>\n            <material_uid>3</material_uid>\n",
+		"            <material_uid>3</material_uid>\n" + path);
+	expected = VelornTest::replacedAll(expected, "<material_uid>4</material_uid>\n", "<material_uid>4</material_uid>\n" + path);
+	EXPECT_EQ(VelornTest::readFile(sceneFile()), expected);
 
 	// The picture file: "preview", the timer and ".png" in the renders folder.
 	const std::string picture = previewFile(tag);
@@ -179,7 +150,7 @@ TEST_F(IesPreviewTest, RendersTheTemplateWithTheProfileAndShowsItWithPosixLineEn
 	ASSERT_EQ(picture.substr(0, renders.size() + 8), renders + Velorn::Platform::preferredSeparator() + "preview");
 	ASSERT_EQ(picture.substr(picture.size() - 4), ".png");
 	const std::string stem = picture.substr(0, picture.size() - 4);
-	EXPECT_EQ(argumentsAfterSeed(), "--thread_priority\nbelownormal\n-o\n" + stem + ".png\n-vlio\n" + stem
+	EXPECT_EQ(launchedWith(), "--thread_priority\nbelownormal\n-o\n" + stem + ".png\n-vlio\n" + stem
 		+ ".vli\n-uexro\n" + stem + "_untonemapped.exr\n-texro\n" + stem + "_tonemapped.exr\n" + sceneFile() + "\n");
 
 	// The renderer was waited for: its picture is in the gadget.
@@ -198,7 +169,7 @@ TEST_F(IesPreviewTest, RendersTheTemplateWithTheProfileAndShowsItWithPosixLineEn
 	std::filesystem::remove(record());
 	ASSERT_TRUE(press(tag));
 	EXPECT_EQ(previewFile(tag), picture);
-	EXPECT_NE(argumentsAfterSeed().find("-o\n" + picture + "\n"), std::string::npos);
+	EXPECT_NE(launchedWith().find("-o\n" + picture + "\n"), std::string::npos);
 }
 #endif
 

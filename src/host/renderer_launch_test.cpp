@@ -1,6 +1,7 @@
 #include "host/renderer_launch.h"
 
 #include "c4d/console.h"
+#include "host/host_test_helpers.h"
 #include "host/settings.h"
 #include "support/exceptions.h"
 #include "support/file_utils.h"
@@ -11,10 +12,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <chrono>
 #include <filesystem>
-#include <thread>
 
 using namespace Velorn;
 
@@ -86,22 +84,13 @@ TEST(RendererLaunch, StartsTheRecordedRenderer)
 
 	const RendererRequest scene = request(true, false, -1, "", "/my scenes/a b.vls");
 	EXPECT_FALSE(launchRenderer(true, scene));
-	EXPECT_EQ(HostConsole::get().texts(HostConsole::Kind::Print), std::vector<String>{String("Launching Velorn...")});
+	EXPECT_EQ(HostConsole::get().texts(HostConsole::Kind::Print), std::vector<::String>{::String("Launching Velorn...")});
 
 	for(const char* name : {"velorn.exe", "velorn_console.exe"})
 		std::filesystem::copy_file(RECORD_ARGUMENTS, install.file(name));
 	saveRendererDir(Filename(install.path().c_str()));
 	ASSERT_TRUE(launchRenderer(true, scene));
-	const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-	while(!FileUtils::fileExists(record) && std::chrono::steady_clock::now() < deadline)
-		std::this_thread::sleep_for(std::chrono::milliseconds(10));
-	std::string recorded = VelornTest::readFile(record);
-	// The recording program writes text lines, which end in CR LF on Windows.
-	recorded.erase(std::remove(recorded.begin(), recorded.end(), '\r'), recorded.end());
-	const size_t seed_end = recorded.find('\n', std::string("velorn_console.exe\n-seed\n").size());
-	EXPECT_EQ(recorded.substr(0, std::string("velorn_console.exe\n-seed\n").size()), "velorn_console.exe\n-seed\n");
-	ASSERT_NE(seed_end, std::string::npos);
-	EXPECT_EQ(recorded.substr(seed_end), "\n--thread_priority\nbelownormal\n/my scenes/a b.vls\n");
-
+	EXPECT_EQ(argumentsAfterSeed(recordedArguments(record), "velorn_console.exe"),
+		"--thread_priority\nbelownormal\n/my scenes/a b.vls\n");
 	HostConsole::get().clear();
 }

@@ -4,6 +4,7 @@
 // Wine prefix holds.
 
 #include "c4d/console.h"
+#include "host/host_test_helpers.h"
 #include "host/plugin_globals.h"
 #include "host/renderer_launch.h"
 #include "host/settings.h"
@@ -13,10 +14,6 @@
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
-
-#include <chrono>
-#include <sstream>
-#include <thread>
 
 using namespace Velorn;
 
@@ -36,16 +33,6 @@ void setInstallDirectory(const std::string& key, const std::string& dir)
 	ASSERT_EQ(reg("add \"HKCU\\Software\\Tessmark Labs\\" + key + "\" /v InstallDirectory /t REG_SZ /d \"" + dir
 				  + "\" /f"),
 		0);
-}
-
-std::vector<std::string> lines(const std::string& text)
-{
-	std::vector<std::string> result;
-	std::istringstream in(text);
-	// The recording program writes text lines, which end in CR LF here.
-	for(std::string line; std::getline(in, line);)
-		result.push_back(line.substr(0, line.find('\r')));
-	return result;
 }
 
 // Both keys written by the test and removed at its end, and the edition
@@ -120,19 +107,9 @@ TEST_F(RegistryDiscovery, TheRegisteredRendererStartsWithTheCommandLine)
 	request.scene_file = Filename("C:\\my scenes\\a b.vls");
 	request.output_file = Filename("C:\\out put\\frame.png");
 	ASSERT_TRUE(launchRenderer(false, request));
-	const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-	while(!FileUtils::fileExists(record) && std::chrono::steady_clock::now() < deadline)
-		std::this_thread::sleep_for(std::chrono::milliseconds(20));
-	const std::vector<std::string> recorded = lines(VelornTest::readFile(record));
-	ASSERT_EQ(recorded.size(), 14u) << VelornTest::readFile(record);
-	EXPECT_EQ(recorded[0], "velorn.exe");
-	EXPECT_EQ(recorded[1], "-seed");
-	EXPECT_EQ(recorded[2].find_first_not_of("0123456789"), std::string::npos) << recorded[2];
-	const std::vector<std::string> rest(recorded.begin() + 3, recorded.end());
-	const std::vector<std::string> expected = {"--thread_priority", "belownormal", "-o", "C:\\out put\\frame.png",
-		"-vlio", "C:\\out put\\frame.vli", "-uexro", "C:\\out put\\frame_untonemapped.exr", "-texro",
-		"C:\\out put\\frame_tonemapped.exr", "C:\\my scenes\\a b.vls"};
-	EXPECT_EQ(rest, expected);
+	EXPECT_EQ(argumentsAfterSeed(recordedArguments(record), "velorn.exe"),
+		"--thread_priority\nbelownormal\n-o\nC:\\out put\\frame.png\n-vlio\nC:\\out put\\frame.vli\n-uexro\n"
+		"C:\\out put\\frame_untonemapped.exr\n-texro\nC:\\out put\\frame_tonemapped.exr\nC:\\my scenes\\a b.vls\n");
 }
 
 // A renderer file that Windows cannot start: CreateProcessW fails, the

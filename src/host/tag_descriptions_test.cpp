@@ -31,6 +31,7 @@ protected:
 
 struct VisibilityCase
 {
+	int32_t type;
 	const char* name;
 	std::vector<std::pair<int32_t, GeData>> values;
 	std::initializer_list<int32_t> shown;
@@ -39,58 +40,47 @@ struct VisibilityCase
 
 } // namespace
 
-TEST_F(TagDescriptionTest, CameraTagShowsWhatItsValuesCallFor)
+// Each tag shows the entries its values call for; the light tag one
+// spectrum of four.
+TEST_F(TagDescriptionTest, TagsShowWhatTheirValuesCallFor)
 {
 	const VisibilityCase cases[] = {
-		{"linear tone mapping", {{ct_tonemap, ct_tonemap_linear}}, {ct_group_scale, ct_tonemap_scale},
+		{ID_CAMERA_TAG, "linear tone mapping", {{ct_tonemap, ct_tonemap_linear}}, {ct_group_scale, ct_tonemap_scale},
 			{ct_post_scale, ct_burn, ct_group_camera_response}},
-		{"Reinhard tone mapping", {{ct_tonemap, ct_tonemap_reinhard}}, {ct_post_scale, ct_burn, ct_tonemap_scale},
+		{ID_CAMERA_TAG, "Reinhard tone mapping", {{ct_tonemap, ct_tonemap_reinhard}}, {ct_post_scale, ct_burn, ct_tonemap_scale},
 			{ct_group_camera_response, ct_film_iso}},
-		{"camera tone mapping", {{ct_tonemap, ct_tonemap_camera}}, {ct_group_camera_response, ct_film_iso},
+		{ID_CAMERA_TAG, "camera tone mapping", {{ct_tonemap, ct_tonemap_camera}}, {ct_group_camera_response, ct_film_iso},
 			{ct_group_scale, ct_post_scale, ct_burn}},
-		{"circular aperture", {{ct_aperture, ct_aperture_circular}}, {},
+		{ID_CAMERA_TAG, "circular aperture", {{ct_aperture, ct_aperture_circular}}, {},
 			{ct_group_generated_aperture, ct_group_aperture_image}},
-		{"generated aperture", {{ct_aperture, ct_aperture_generated}}, {ct_group_generated_aperture, ct_num_blades},
+		{ID_CAMERA_TAG, "generated aperture", {{ct_aperture, ct_aperture_generated}}, {ct_group_generated_aperture, ct_num_blades},
 			{ct_group_aperture_image}},
-		{"aperture image", {{ct_aperture, ct_aperture_image}}, {ct_group_aperture_image, ct_aperture_image_file},
+		{ID_CAMERA_TAG, "aperture image", {{ct_aperture, ct_aperture_image}}, {ct_group_aperture_image, ct_aperture_image_file},
 			{ct_group_generated_aperture}},
-		{"cubic filters", {{ct_splat_filter, ct_filter_mn_cubic}, {ct_downsize_filter, ct_filter_mn_cubic}},
+		{ID_CAMERA_TAG, "cubic filters", {{ct_splat_filter, ct_filter_mn_cubic}, {ct_downsize_filter, ct_filter_mn_cubic}},
 			{ct_splat_blur, ct_splat_ring, ct_downsize_blur, ct_downsize_ring, ct_downsize_radius}, {}},
-		{"other filters", {{ct_splat_filter, ct_filter_radial}, {ct_downsize_filter, ct_filter_gaussian}}, {},
+		{ID_CAMERA_TAG, "other filters", {{ct_splat_filter, ct_filter_radial}, {ct_downsize_filter, ct_filter_gaussian}}, {},
 			{ct_splat_blur, ct_splat_ring, ct_downsize_blur, ct_downsize_ring, ct_downsize_radius}},
-		{"region off", {{ct_region, 0}}, {ct_region}, {ct_group_region, ct_region_x1}},
-		{"region on", {{ct_region, 1}}, {ct_group_region, ct_region_x1, ct_region_y2}, {}},
-	};
-	for(const VisibilityCase& c : cases)
-	{
-		SCOPED_TRACE(c.name);
-		BaseTag* tag = newTag(ID_CAMERA_TAG);
-		for(const auto& [id, value] : c.values)
-			tag->SetParameter(DescID(id), value);
-		expectVisibility(describe(tag), c.shown, c.hidden);
-	}
-}
+		{ID_CAMERA_TAG, "region off", {{ct_region, 0}}, {ct_region}, {ct_group_region, ct_region_x1}},
+		{ID_CAMERA_TAG, "region on", {{ct_region, 1}}, {ct_group_region, ct_region_x1, ct_region_y2}, {}},
 
-TEST_F(TagDescriptionTest, LightTagShowsOneSpectrumAndTheSwitchedEntries)
-{
-	const VisibilityCase cases[] = {
-		{"peak", {{lt_type, lt_type_peak}}, {lt_group_peak, lt_peak_min},
+		{ID_LIGHT_TAG, "peak", {{lt_type, lt_type_peak}}, {lt_group_peak, lt_peak_min},
 			{lt_group_rgb, lt_group_blackbody, lt_group_uniform}},
-		{"RGB", {{lt_type, lt_type_rgb}}, {lt_group_rgb, lt_rgb_colour},
+		{ID_LIGHT_TAG, "RGB", {{lt_type, lt_type_rgb}}, {lt_group_rgb, lt_rgb_colour},
 			{lt_group_peak, lt_group_blackbody, lt_group_uniform}},
-		{"blackbody", {{lt_type, lt_type_black_body}}, {lt_group_blackbody},
+		{ID_LIGHT_TAG, "blackbody", {{lt_type, lt_type_black_body}}, {lt_group_blackbody},
 			{lt_group_peak, lt_group_rgb, lt_group_uniform}},
-		{"uniform", {{lt_type, lt_type_uniform}}, {lt_group_uniform},
+		{ID_LIGHT_TAG, "uniform", {{lt_type, lt_type_uniform}}, {lt_group_uniform},
 			{lt_group_peak, lt_group_rgb, lt_group_blackbody}},
-		{"switches off", {{lt_ies, 0}, {lt_emission_scale, 0}}, {lt_ies, lt_emission_scale, lt_layer, lt_group_layer},
+		{ID_LIGHT_TAG, "switches off", {{lt_ies, 0}, {lt_emission_scale, 0}}, {lt_ies, lt_emission_scale, lt_layer, lt_group_layer},
 			{lt_ies_file, lt_emission_measure, lt_emission_value, lt_preview_file}},
-		{"switches on", {{lt_ies, 1}, {lt_emission_scale, 1}}, {lt_ies_file, lt_emission_measure, lt_emission_value},
+		{ID_LIGHT_TAG, "switches on", {{lt_ies, 1}, {lt_emission_scale, 1}}, {lt_ies_file, lt_emission_measure, lt_emission_value},
 			{lt_preview_file}},
 	};
 	for(const VisibilityCase& c : cases)
 	{
 		SCOPED_TRACE(c.name);
-		BaseTag* tag = newTag(ID_LIGHT_TAG);
+		BaseTag* tag = newTag(c.type);
 		for(const auto& [id, value] : c.values)
 			tag->SetParameter(DescID(id), value);
 		expectVisibility(describe(tag), c.shown, c.hidden);

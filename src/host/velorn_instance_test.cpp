@@ -11,7 +11,7 @@
 #include "host/section_plane.h"
 #include "host/velorn_instance.h"
 
-#include <algorithm>
+#include <map>
 #include <vector>
 
 namespace
@@ -112,67 +112,58 @@ TEST_F(InstanceTest, DrawsTheTargetByMode)
 {
 	PolygonObject* shape = addShape("shape");
 	shape->SetMl(moved(Vector(100, 0, 0)));
+	BaseObject* instance = addInstance(shape, inst_display_wires);
+	instance->SetMl(moved(Vector(0, 50, 0)));
 	const Matrix expected = moved(Vector(100, 50, 0));
 
+	BaseDraw wires;
+	draw(instance, wires);
+	const auto lines = callsOf(wires, DrawCall::Kind::Line3D);
+	// The quadrangle's four edges, then the triangle's three.
+	const std::vector<std::pair<int, int>> edges = {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {0, 1}, {1, 4}, {4, 0}};
+	ASSERT_EQ(lines.size(), edges.size());
+	for(size_t i = 0; i < edges.size(); ++i)
 	{
-		SCOPED_TRACE("wires");
-		BaseObject* instance = addInstance(shape, inst_display_wires);
-		instance->SetMl(moved(Vector(0, 50, 0)));
-		BaseDraw view;
-		draw(instance, view);
-		const auto lines = callsOf(view, DrawCall::Kind::Line3D);
-		// The quadrangle's four edges, then the triangle's three.
-		const std::vector<std::pair<int, int>> edges = {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {0, 1}, {1, 4}, {4, 0}};
-		ASSERT_EQ(lines.size(), edges.size());
-		for(size_t i = 0; i < edges.size(); ++i)
-		{
-			EXPECT_EQ(lines[i]->points[0], shape->GetPointR()[edges[i].first]) << i;
-			EXPECT_EQ(lines[i]->points[1], shape->GetPointR()[edges[i].second]) << i;
-			EXPECT_EQ(lines[i]->matrix, expected);
-		}
-		const auto matrices = callsOf(view, DrawCall::Kind::Matrix);
-		ASSERT_EQ(matrices.size(), 1u);
-		EXPECT_EQ(matrices[0]->object, shape);
-		instance->Remove();
-		BaseObject::Free(instance);
+		SCOPED_TRACE(i);
+		const Vector* p = shape->GetPointR();
+		EXPECT_EQ(lines[i]->points, (std::vector<Vector>{p[edges[i].first], p[edges[i].second]}));
+		EXPECT_EQ(lines[i]->matrix, expected);
 	}
-	{
-		SCOPED_TRACE("box");
-		BaseObject* instance = addInstance(shape, inst_display_box);
-		instance->SetMl(moved(Vector(0, 50, 0)));
-		BaseDraw view;
-		draw(instance, view);
-		const auto lines = callsOf(view, DrawCall::Kind::Line3D);
-		ASSERT_EQ(lines.size(), 12u);
-		// Every corner of the box 0..10, 0..20, 0..4 ends three edges.
-		for(const DrawCall* line : lines)
-			for(const Vector& p : line->points)
-			{
-				EXPECT_TRUE(p.x == 0 || p.x == 10);
-				EXPECT_TRUE(p.y == 0 || p.y == 20);
-				EXPECT_TRUE(p.z == 0 || p.z == 4);
-			}
-		instance->Remove();
-		BaseObject::Free(instance);
-	}
-	{
-		SCOPED_TRACE("shaded");
-		BaseObject* instance = addInstance(shape, inst_display_shaded);
-		instance->SetMl(moved(Vector(0, 50, 0)));
-		BaseDraw view;
-		draw(instance, view);
-		EXPECT_TRUE(callsOf(view, DrawCall::Kind::Line3D).empty());
-		const auto shaded = callsOf(view, DrawCall::Kind::PolygonObject);
-		ASSERT_EQ(shaded.size(), 1u);
-		EXPECT_EQ(shaded[0]->object, shape);
-		EXPECT_EQ(shaded[0]->matrix, expected);
+	const auto matrices = callsOf(wires, DrawCall::Kind::Matrix);
+	ASSERT_EQ(matrices.size(), 1u);
+	EXPECT_EQ(matrices[0]->object, shape);
 
-		// The host's bit 0x200 turns the drawing off.
-		instance->SetBit(0x200);
-		BaseDraw off;
-		draw(instance, off);
-		EXPECT_TRUE(off.calls().empty());
+	// Every corner of the box 0..10, 0..20, 0..4 ends three of its twelve edges.
+	instance->GetDataInstance()->SetInt32(inst_display, inst_display_box);
+	BaseDraw box;
+	draw(instance, box);
+	std::map<std::vector<double>, int> ends;
+	for(const DrawCall* line : callsOf(box, DrawCall::Kind::Line3D))
+		for(const Vector& p : line->points)
+			++ends[{p.x, p.y, p.z}];
+	EXPECT_EQ(ends.size(), 8u);
+	for(const auto& [corner, count] : ends)
+	{
+		EXPECT_EQ(count, 3);
+		EXPECT_TRUE(corner[0] == 0 || corner[0] == 10);
+		EXPECT_TRUE(corner[1] == 0 || corner[1] == 20);
+		EXPECT_TRUE(corner[2] == 0 || corner[2] == 4);
 	}
+
+	instance->GetDataInstance()->SetInt32(inst_display, inst_display_shaded);
+	BaseDraw shaded;
+	draw(instance, shaded);
+	EXPECT_TRUE(callsOf(shaded, DrawCall::Kind::Line3D).empty());
+	const auto objects = callsOf(shaded, DrawCall::Kind::PolygonObject);
+	ASSERT_EQ(objects.size(), 1u);
+	EXPECT_EQ(objects[0]->object, shape);
+	EXPECT_EQ(objects[0]->matrix, expected);
+
+	// The host's bit 0x200 turns the drawing off.
+	instance->SetBit(0x200);
+	BaseDraw off;
+	draw(instance, off);
+	EXPECT_TRUE(off.calls().empty());
 }
 
 TEST_F(InstanceTest, InstanceOfAnInstanceDrawsTheFirstTarget)
@@ -250,8 +241,6 @@ TEST_F(InstanceTest, SectionPlaneDrawsASquareAndGreysItsList)
 	for(int32_t id : {sp_object_list, sp_list_mode, sp_use_list})
 		EXPECT_FALSE(plane->IsParameterEnabled(DescID(id))) << id;
 	EXPECT_TRUE(plane->IsParameterEnabled(DescID(sp_cull_geometry)));
-	EXPECT_FALSE(data->GetBool(sp_use_list));
-	EXPECT_EQ(data->GetInt32(sp_list_mode), sp_list_exclude);
 	plane->SetParameter(DescID(sp_cull_geometry), GeData(1));
 	EXPECT_TRUE(plane->IsParameterEnabled(DescID(sp_list_mode)));
 
@@ -266,75 +255,68 @@ TEST_F(InstanceTest, SectionPlaneDrawsASquareAndGreysItsList)
 namespace
 {
 
+// "Create Instances" runs as one undo group of the new objects and sends
+// one event.
 class CreateInstancesTest : public InstanceTest
 {
+protected:
+	void runExpectingInstancesOf(const std::vector<BaseObject*>& targets)
+	{
+		const int32_t events = EventCount();
+		CreateInstancesCommand command;
+		ASSERT_TRUE(command.Execute(doc));
+		EXPECT_EQ(EventCount(), events + 1);
+		EXPECT_FALSE(doc->IsUndoOpen());
+		ASSERT_EQ(doc->GetUndoGroups().size(), 1u);
+		const auto& group = doc->GetUndoGroups()[0];
+		ASSERT_EQ(group.size(), targets.size());
+		// At the top, in the order of the selection, before what was there.
+		BaseObject* op = doc->GetFirstObject();
+		for(size_t i = 0; i < targets.size(); ++i, op = op->GetNext())
+		{
+			SCOPED_TRACE(i);
+			EXPECT_EQ(group[i].type, UNDOTYPE_NEW);
+			EXPECT_EQ(group[i].node, op);
+			EXPECT_EQ(op->GetType(), ID_VELORN_INSTANCE);
+			EXPECT_EQ(op->GetDataInstance()->GetLink(inst_link), targets[i]);
+		}
+		EXPECT_EQ(op, first_before);
+	}
+
+	BaseObject* first_before = nullptr;
 };
 
 } // namespace
 
 TEST_F(CreateInstancesTest, OneInstancePerSelectedObject)
 {
-	BaseObject* parent = addObject(Onull, "parent");
+	BaseObject* parent = first_before = addObject(Onull, "parent");
 	parent->SetMl(moved(Vector(10, 0, 0)));
 	BaseObject* alpha = addObject(Onull, "Alpha", parent);
 	alpha->SetMl(moved(Vector(1, 2, 3)));
 	BaseObject* beta = addObject(Onull, "Beta");
 	alpha->SetBit(BIT_ACTIVE);
 	beta->SetBit(BIT_ACTIVE);
-	const int32_t events = EventCount();
+	runExpectingInstancesOf({alpha, beta});
 
-	CreateInstancesCommand command;
-	ASSERT_TRUE(command.Execute(doc));
-
-	// At the top, in the order of the selection, before what was there.
-	BaseObject* first = doc->GetFirstObject();
-	ASSERT_NE(first, nullptr);
-	BaseObject* second = first->GetNext();
-	ASSERT_NE(second, nullptr);
-	EXPECT_EQ(second->GetNext(), parent);
 	const struct
 	{
 		BaseObject* instance;
-		BaseObject* source;
 		const char* name;
 		Vector place;
-	} expected[] = {{first, alpha, "Alpha", Vector(11, 2, 3)}, {second, beta, "Beta", Vector()}};
+	} expected[] = {{doc->GetFirstObject(), "Alpha", Vector(11, 2, 3)}, {doc->GetFirstObject()->GetNext(), "Beta", Vector()}};
 	for(const auto& e : expected)
 	{
 		SCOPED_TRACE(e.name);
-		EXPECT_EQ(e.instance->GetType(), ID_VELORN_INSTANCE);
 		EXPECT_EQ(e.instance->GetName(), String(e.name));
-		EXPECT_EQ(e.instance->GetDataInstance()->GetLink(inst_link), e.source);
 		EXPECT_EQ(e.instance->GetMg(), moved(e.place));
 		EXPECT_EQ(e.instance->GetDataInstance()->GetInt32(inst_display), inst_display_shaded);
 	}
-	ASSERT_EQ(doc->GetUndoGroups().size(), 1u);
-	const auto& group = doc->GetUndoGroups()[0];
-	ASSERT_EQ(group.size(), 2u);
-	EXPECT_EQ(group[0].type, UNDOTYPE_NEW);
-	EXPECT_EQ(group[0].node, first);
-	EXPECT_EQ(group[1].type, UNDOTYPE_NEW);
-	EXPECT_EQ(group[1].node, second);
-	EXPECT_FALSE(doc->IsUndoOpen());
-	EXPECT_EQ(EventCount(), events + 1);
 }
 
 TEST_F(CreateInstancesTest, WithoutSelectionOneEmptyInstanceBecomesActive)
 {
-	BaseObject* existing = addObject(Onull, "existing");
-	const int32_t events = EventCount();
-	CreateInstancesCommand command;
-	ASSERT_TRUE(command.Execute(doc));
-
-	BaseObject* made = doc->GetFirstObject();
-	ASSERT_NE(made, existing);
-	EXPECT_EQ(made->GetType(), ID_VELORN_INSTANCE);
-	EXPECT_EQ(made->GetNext(), existing);
-	EXPECT_EQ(made->GetDataInstance()->GetLink(inst_link), nullptr);
-	EXPECT_EQ(doc->GetActiveObject(), made);
-	ASSERT_EQ(doc->GetUndoGroups().size(), 1u);
-	ASSERT_EQ(doc->GetUndoGroups()[0].size(), 1u);
-	EXPECT_EQ(doc->GetUndoGroups()[0][0].type, UNDOTYPE_NEW);
-	EXPECT_EQ(doc->GetUndoGroups()[0][0].node, made);
-	EXPECT_EQ(EventCount(), events + 1);
+	first_before = addObject(Onull, "existing");
+	runExpectingInstancesOf({nullptr});
+	EXPECT_EQ(doc->GetActiveObject(), doc->GetFirstObject());
 }

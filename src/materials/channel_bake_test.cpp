@@ -1,25 +1,19 @@
 #include "materials/channel_bake.h"
-#include "materials/material_export.h"
 
 #include "c4d/base_bitmap.h"
 #include "c4d/base_shader.h"
 #include "c4d/console.h"
 #include "c4d/host_clock.h"
-#include "materials/material_test_helpers.h"
+#include "materials/material_export_test_helpers.h"
 
 #include "scene/materials_basic.h"
 #include "scene/materials_composite.h"
-#include "scene/scene_node_material.h"
 #include "support/file_utils.h"
 #include "support/test_files.h"
 
-#include <algorithm>
-#include <cmath>
 #include <regex>
 #include <string>
 #include <vector>
-
-using Velorn::Reference;
 
 namespace
 {
@@ -27,57 +21,23 @@ namespace
 // Material export of plug-in materials whose channels hold shaders that
 // the scene cannot describe, into a scene beside a document in a folder of
 // its own.
-class ChannelBakeTest : public MaterialTest
+class ChannelBakeTest : public MaterialExportTest
 {
 protected:
 	void SetUp() override
 	{
-		MaterialTest::SetUp();
+		MaterialExportTest::SetUp();
 		doc->SetDocumentPath(Filename(dir.path().c_str()));
+		exportTo(dir.file("scene.vls"), nullptr);
 		HostConsole::get().clear();
 	}
 	void TearDown() override
 	{
 		HostClock::get().release();
-		MaterialTest::TearDown();
-	}
-
-	// The settings of an export to scene.vls in the test's folder: with a
-	// list of temporary files, the textures go to the system's temporary
-	// folder, else to a folder beside the scene.
-	std::unique_ptr<ExportSettings> exportSettings(std::vector<Filename>* temp_files)
-	{
-		auto settings = std::make_unique<ExportSettings>(
-			doc, Filename(dir.file("scene.vls").c_str()), temp_files, 0, 64, 64, 0, 0, 0, 0);
-		settings->null_material = Velorn::UID(1);
-		settings->default_material = Velorn::UID(2);
-		return settings;
-	}
-
-	// A host colour shader owned by mat, in its link id.
-	static void linkColour(BaseMaterial* mat, int32_t id, const Vector& colour)
-	{
-		BaseShader* sh = BaseShader::Alloc(Xcolor);
-		sh->SetName("Tint");
-		sh->GetDataInstance()->SetVector(COLORSHADER_COLOR, colour);
-		mat->InsertShader(sh);
-		mat->GetDataInstance()->SetLink(id, sh);
-	}
-
-	template<class T>
-	const T& exported(BaseMaterial* mat, ExportSettings& settings)
-	{
-		const Velorn::UID uid = exportLinkedMaterial(mat, *root, settings);
-		for(const Reference<Velorn::SceneNode>& child : root->getChildren())
-			if(child->uid == uid)
-				if(const auto* node = dynamic_cast<const Velorn::SceneNodeMaterial*>(child.getPointer()))
-					if(const T* material = dynamic_cast<const T*>(node->material.getPointer()))
-						return *material;
-		throw std::runtime_error("no such material");
+		MaterialExportTest::TearDown();
 	}
 
 	VelornTest::TempDir dir;
-	Reference<Velorn::SceneNodeRoot> root = new Velorn::SceneNodeRoot();
 };
 
 } // namespace
@@ -97,10 +57,8 @@ TEST_F(ChannelBakeTest, ForeignShaderBakesToATexture)
 	for(const bool temporary : {false, true})
 	{
 		SCOPED_TRACE(temporary ? "temporary files" : "textures beside the scene");
-		std::vector<Filename> temp_files;
-		root = new Velorn::SceneNodeRoot();
-		std::unique_ptr<ExportSettings> settings = exportSettings(temporary ? &temp_files : nullptr);
-		const auto& diffuse = exported<Velorn::DiffuseMaterial>(paint, *settings);
+		exportTo(dir.file("scene.vls"), temporary ? &temp_files : nullptr);
+		const auto& diffuse = materialOf<Velorn::DiffuseMaterial>(exportMaterial(paint));
 
 		const auto* albedo = dynamic_cast<const Velorn::TextureWavelengthDependentParam*>(diffuse.albedo.getPointer());
 		ASSERT_NE(albedo, nullptr);
@@ -146,8 +104,7 @@ TEST_F(ChannelBakeTest, SharedSuffixesTakeTheNextTimerValue)
 	linkColour(thin, 15000 + 16, Vector(0.6, 0.6, 0.6));
 	thin->GetDataInstance()->SetInt32(MAT_BAKE_WIDTH, 4);
 	thin->GetDataInstance()->SetInt32(MAT_BAKE_HEIGHT, 4);
-	std::unique_ptr<ExportSettings> settings = exportSettings(nullptr);
-	const auto& sides = exported<Velorn::DoubleSidedThinMaterial>(thin, *settings);
+	const auto& sides = materialOf<Velorn::DoubleSidedThinMaterial>(exportMaterial(thin));
 	ASSERT_EQ(sides.textures.size(), 2u);
 	const std::string folder = settings->textures_dir.GetString().GetStdString();
 	EXPECT_EQ(sides.textures[0].path.str(), Velorn::FileUtils::join(folder, "Sheet_5000_sigma.jpg"));
@@ -169,9 +126,8 @@ TEST_F(ChannelBakeTest, FailedBakeKeepsTheConstant)
 	linkColour(paint, MAT_ALBEDO_LINK, Vector(1, 0, 0));
 	paint->GetDataInstance()->SetInt32(MAT_BAKE_WIDTH, 4);
 	paint->GetDataInstance()->SetInt32(MAT_BAKE_HEIGHT, 4);
-	std::unique_ptr<ExportSettings> settings = exportSettings(nullptr);
 	settings->textures_dir = Filename(dir.file("gone").c_str());
-	const auto& diffuse = exported<Velorn::DiffuseMaterial>(paint, *settings);
+	const auto& diffuse = materialOf<Velorn::DiffuseMaterial>(exportMaterial(paint));
 	EXPECT_NE(dynamic_cast<const Velorn::ConstantWavelengthDependentParam*>(diffuse.albedo.getPointer()), nullptr);
 	EXPECT_TRUE(diffuse.textures.empty());
 	const std::string file = Velorn::FileUtils::join(dir.file("gone"), "Paint_77_albedo.jpg");

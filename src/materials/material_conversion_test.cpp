@@ -19,7 +19,6 @@ namespace
 {
 
 const int32_t ID_CONVERT_MATERIALS = 1021852, ID_NEW_MATERIAL = 1024454;
-using Values = std::vector<std::pair<int32_t, GeData>>;
 
 class ConversionTest : public MaterialTest
 {
@@ -48,15 +47,6 @@ protected:
 			mat->GetDataInstance()->SetData(id, value);
 		doc->InsertMaterial(mat, lastMaterial());
 		return mat;
-	}
-
-	// A colour shader of mat linked from its parameter id.
-	static void addShader(BaseMaterial& mat, int32_t id, const char* name)
-	{
-		BaseShader* sh = BaseShader::Alloc(Xcolor);
-		sh->SetName(String(name));
-		mat.InsertShader(sh);
-		mat.GetDataInstance()->SetLink(id, sh);
 	}
 
 	// An object with a texture tag of mat, first under parent.
@@ -108,20 +98,6 @@ BaseContainer freshMaterial()
 	const BaseContainer data = mat->GetData();
 	BaseMaterial::Free(mat);
 	return data;
-}
-
-// The stored type must match (alpha terms are longs); reals to 1e-9.
-void expectValues(const BaseContainer& data, const Values& expected)
-{
-	for(const auto& [id, value] : expected)
-	{
-		const GeData& got = data.GetData(id);
-		EXPECT_EQ(got.GetType(), value.GetType()) << "parameter " << id;
-		if(value.GetType() == DA_REAL)
-			EXPECT_NEAR(got.GetFloat(), value.GetFloat(), 1e-9) << "parameter " << id;
-		else
-			EXPECT_TRUE(got == value) << "parameter " << id;
-	}
 }
 
 } // namespace
@@ -232,7 +208,7 @@ TEST_F(ConversionTest, ShadersAreClonedUnderTheTargetByKind)
 		for(const auto& c : channels)
 		{
 			source->GetDataInstance()->SetBool(c.channel, true);
-			addShader(*source, c.shader, c.name);
+			linkColour(source, c.shader, Vector(), c.name);
 		}
 		BaseMaterial* target = convertedFrom(source);
 		const BaseContainer& data = *target->GetDataInstance();
@@ -275,7 +251,7 @@ TEST_F(ConversionTest, ChannelsWithoutShadersAndSoftAlphaChangeNothing)
 	BaseMaterial::Free(target);
 
 	source->GetDataInstance()->SetBool(MATERIAL_ALPHA_SOFT, true);
-	addShader(*source, MATERIAL_ALPHA_SHADER, "Mask");
+	linkColour(source, MATERIAL_ALPHA_SHADER, Vector(), "Mask");
 	target = convertedFrom(source);
 	expectValues(*target->GetDataInstance(), {{MAT_USE_ALPHA, 1}, {MAT_ALPHA_B, 1.0}, {MAT_ALPHA_C, 0.0}});
 	BaseMaterial::Free(target);
@@ -284,7 +260,7 @@ TEST_F(ConversionTest, ChannelsWithoutShadersAndSoftAlphaChangeNothing)
 TEST_F(ConversionTest, CommandReplacesTheMaterialsAndRecordsItsUndo)
 {
 	BaseMaterial* red = standard("Red");
-	addShader(*red, MATERIAL_COLOR_SHADER, "Red paint");
+	linkColour(red, MATERIAL_COLOR_SHADER, Vector(), "Red paint");
 	BaseMaterial* blue = standard("Blue", {{MATERIAL_USE_SPECULAR, 0}, {MATERIAL_ILLUMINATION_MODEL, 2}});
 	BaseObject* second = textured(red);
 	BaseObject* first = textured(red);

@@ -23,9 +23,8 @@
 #include "support/platform.h"
 #include "support/test_files.h"
 
+#include <algorithm>
 #include <cmath>
-#include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -108,12 +107,6 @@ protected:
 		return out;
 	}
 
-	static bool printed(const std::string& line)
-	{
-		const std::vector<std::string> all = lines(HostConsole::Kind::Print);
-		return std::find(all.begin(), all.end(), line) != all.end();
-	}
-
 	std::string materialsFolder() const { return plugin_dir.file("materials"); }
 
 	VelornTest::TempDir files;
@@ -121,40 +114,42 @@ protected:
 	Filename* saved_plugin_path = nullptr;
 };
 
-// How one parameter of the source is compared with the import's.
-struct Check
-{
-	enum Kind
-	{
-		Same,    // the value as it stands
-		Product, // colour times the scale at id2: the scene holds only that
-		Link,    // the name of the linked material
-	};
-	int32_t id;
-	Kind kind = Same;
-	int32_t id2 = 0;
-};
+// Colours that the scene holds only as their product with a scale.
+const std::pair<int32_t, int32_t> kScaledColours[] = {{MAT_ALBEDO_COLOUR, MAT_ALBEDO_SCALE},
+	{MAT_EMISSION_RGB_COLOUR, MAT_EMISSION_RGB_SCALE}, {MAT_ABSORPTION_RGB_COLOUR, MAT_ABSORPTION_RGB_SCALE},
+	{MAT_ABSORPTION_LAYER_COLOUR, MAT_ABSORPTION_LAYER_SCALE},
+	{MAT_CH_COAT_ABSORPTION + MAT_CH_COLOUR, MAT_CH_COAT_ABSORPTION + MAT_CH_SCALE}};
 
-void expectSameValue(const BaseContainer& expected, const BaseContainer& actual, int32_t id)
+// Parameter id of the import as in the source: a scaled colour by its
+// product, a link by the linked material's name, a scale through its colour.
+void expectImported(const BaseContainer& want, BaseDocument* source, const BaseContainer& got, BaseDocument* imported,
+	int32_t id)
 {
-	const GeData& want = expected.GetData(id);
-	const GeData& got = actual.GetData(id);
-	switch(want.GetType())
+	SCOPED_TRACE(id);
+	for(const auto& [colour, scale] : kScaledColours)
 	{
-	case DA_REAL: EXPECT_NEAR(got.GetFloat(), want.GetFloat(), 1e-9 * std::max(1.0, std::fabs(want.GetFloat()))); break;
-	case DA_VECTOR:
-	{
-		const Vector w = want.GetVector(), g = got.GetVector();
-		EXPECT_NEAR(g.x, w.x, 1e-12);
-		EXPECT_NEAR(g.y, w.y, 1e-12);
-		EXPECT_NEAR(g.z, w.z, 1e-12);
-		break;
+		if(id == colour)
+			return expectNearVector(got.GetVector(id) * got.GetFloat(scale), want.GetVector(id) * want.GetFloat(scale));
+		if(id == scale)
+			return;
 	}
-	case DA_LONG: EXPECT_EQ(got.GetInt32(), want.GetInt32()); break;
-	case DA_STRING: EXPECT_EQ(got.GetString().GetStdString(), want.GetString().GetStdString()); break;
+	const GeData& w = want.GetData(id);
+	const GeData& g = got.GetData(id);
+	switch(w.GetType())
+	{
+	case DA_REAL: EXPECT_NEAR(g.GetFloat(), w.GetFloat(), 1e-9 * std::max(1.0, std::fabs(w.GetFloat()))); break;
+	case DA_VECTOR: expectNearVector(g.GetVector(), w.GetVector()); break;
+	case DA_LONG: EXPECT_EQ(g.GetInt32(), w.GetInt32()); break;
+	case DA_STRING: EXPECT_EQ(g.GetString().GetStdString(), w.GetString().GetStdString()); break;
 	// Unset in the source: the import leaves it unset too.
-	case DA_NIL: EXPECT_EQ(got.GetType(), DA_NIL); break;
-	default: ADD_FAILURE() << "a value of type " << want.GetType() << " is not compared"; break;
+	case DA_NIL: EXPECT_EQ(g.GetType(), DA_NIL); break;
+	default:
+	{
+		BaseList2D* linked = got.GetLink(id, imported);
+		ASSERT_NE(linked, nullptr);
+		EXPECT_EQ(linked->GetName(), want.GetLink(id, source)->GetName());
+		EXPECT_EQ(linked->GetDocument(), imported);
+	}
 	}
 }
 
@@ -162,11 +157,10 @@ void expectSameValue(const BaseContainer& expected, const BaseContainer& actual,
 
 // Each kind exported from a document, written as a scene of material nodes
 // and imported into a fresh document comes back with the parameters that
-// its export reads. Left out of the comparison, as the scene cannot hold
-// them apart: a colour and its scale (only their product), the Phong
-// kind's fresnel scale, backface emission and the shadow catcher (the
-// import has no filler for them), and the phase function's gamma (the
-// import sets 1.0).
+// its export reads: those the case sets and those it names besides. Left
+// out, as the scene cannot hold them apart: the Phong kind's fresnel scale,
+// backface emission and the shadow catcher (the import has no filler for
+// them), and the phase function's gamma (the import sets 1.0).
 TEST_F(MaterialImportTest, EachKindComesBackWithTheParametersItWasExportedFrom)
 {
 	const std::string texture = files.file("bumps.png");
@@ -177,177 +171,84 @@ TEST_F(MaterialImportTest, EachKindComesBackWithTheParametersItWasExportedFrom)
 	BaseMaterial* second = newMaterial(MAT_TYPE_OREN_NAYAR, "Second");
 	second->GetDataInstance()->SetFloat(MAT_SIGMA_VALUE, 0.45);
 
-	const std::vector<Check> albedo = {{MAT_USE_ALBEDO}, {MAT_ALBEDO_COLOUR, Check::Product, MAT_ALBEDO_SCALE},
-		{MAT_ALBEDO_GAMMA}};
-	const std::vector<Check> absorption_layer = {{MAT_USE_ABSORPTION_LAYER},
-		{MAT_ABSORPTION_LAYER_COLOUR, Check::Product, MAT_ABSORPTION_LAYER_SCALE}, {MAT_ABSORPTION_LAYER_GAMMA}};
-
+	const int32_t ABSORPTION = MAT_CH_COAT_ABSORPTION, TRANSMITTANCE = MAT_CH_TRANSMITTANCE;
 	const struct
 	{
 		const char* name;
 		int32_t kind;
-		std::function<void(BaseContainer&)> setup;
-		std::vector<Check> checks;
+		Values set;
+		std::vector<int32_t> also;
 	} cases[] = {
 		{"Diffuse", MAT_TYPE_DIFFUSE,
-			[&](BaseContainer& d) {
-				d.SetVector(MAT_ALBEDO_COLOUR, Vector(0.5, 0.25, 1.0));
-				d.SetFloat(MAT_ALBEDO_SCALE, 0.8);
-				d.SetFloat(MAT_ALBEDO_GAMMA, 1.8);
-				d.SetBool(MAT_USE_EMISSION, true);
-				d.SetInt32(MAT_EMISSION_MODE, MAT_SPECTRUM_RGB);
-				d.SetVector(MAT_EMISSION_RGB_COLOUR, Vector(1.0, 0.5, 0.25));
-				d.SetFloat(MAT_EMISSION_RGB_SCALE, 4.0);
-				d.SetFloat(MAT_EMISSION_RGB_GAMMA, 2.0);
-				BaseShader* bitmap = BaseShader::Alloc(Xbitmap);
-				bitmap->GetDataInstance()->SetFilename(BITMAPSHADER_FILENAME, Filename(String(texture)));
-				material(doc, "Diffuse")->InsertShader(bitmap);
-				d.SetBool(MAT_USE_BUMP, true);
-				d.SetLink(MAT_BUMP_LINK, bitmap);
-				d.SetFloat(MAT_BUMP_EXPONENT, 1.5);
-				d.SetFloat(MAT_BUMP_A, 0.1);
-				d.SetFloat(MAT_BUMP_B, 0.02);
-				d.SetFloat(MAT_BUMP_C, 0.3);
-				d.SetBool(MAT_BUMP_SMOOTH, true);
-			},
-			{{MAT_USE_ALBEDO}, {MAT_ALBEDO_COLOUR, Check::Product, MAT_ALBEDO_SCALE}, {MAT_ALBEDO_GAMMA},
-				{MAT_USE_EMISSION}, {MAT_EMISSION_MODE},
-				{MAT_EMISSION_RGB_COLOUR, Check::Product, MAT_EMISSION_RGB_SCALE}, {MAT_EMISSION_RGB_GAMMA},
-				{MAT_EMISSION_LAYER}, {MAT_USE_BUMP}, {MAT_BUMP_EXPONENT}, {MAT_BUMP_A}, {MAT_BUMP_B}, {MAT_BUMP_C},
-				{MAT_BUMP_SMOOTH}, {MAT_USE_DISPLACEMENT}, {MAT_USE_NORMAL_MAP}}},
+			{{MAT_ALBEDO_COLOUR, Vector(0.5, 0.25, 1.0)}, {MAT_ALBEDO_SCALE, 0.8}, {MAT_ALBEDO_GAMMA, 1.8},
+				{MAT_USE_EMISSION, 1}, {MAT_EMISSION_MODE, MAT_SPECTRUM_RGB},
+				{MAT_EMISSION_RGB_COLOUR, Vector(1.0, 0.5, 0.25)}, {MAT_EMISSION_RGB_SCALE, 4.0},
+				{MAT_EMISSION_RGB_GAMMA, 2.0}, {MAT_USE_BUMP, 1}, {MAT_BUMP_EXPONENT, 1.5}, {MAT_BUMP_A, 0.1},
+				{MAT_BUMP_B, 0.02}, {MAT_BUMP_C, 0.3}, {MAT_BUMP_SMOOTH, 1}},
+			{MAT_USE_ALBEDO, MAT_EMISSION_LAYER, MAT_USE_DISPLACEMENT, MAT_USE_NORMAL_MAP}},
 		{"OrenNayar", MAT_TYPE_OREN_NAYAR,
-			[](BaseContainer& d) {
-				d.SetFloat(MAT_SIGMA_VALUE, 0.35);
-				d.SetVector(MAT_ALBEDO_COLOUR, Vector(0.2, 0.4, 0.6));
-				d.SetBool(MAT_USE_EMISSION, true);
-				d.SetInt32(MAT_EMISSION_MODE, MAT_SPECTRUM_BLACKBODY);
-				d.SetFloat(MAT_EMISSION_BLACKBODY_TEMPERATURE, 3200);
-				d.SetFloat(MAT_EMISSION_BLACKBODY_GAIN, 2.5);
-			},
-			{{MAT_USE_SIGMA}, {MAT_SIGMA_VALUE}, {MAT_USE_ALBEDO}, {MAT_ALBEDO_COLOUR, Check::Product, MAT_ALBEDO_SCALE},
-				{MAT_ALBEDO_GAMMA}, {MAT_EMISSION_MODE}, {MAT_EMISSION_BLACKBODY_TEMPERATURE},
-				{MAT_EMISSION_BLACKBODY_GAIN}}},
+			{{MAT_SIGMA_VALUE, 0.35}, {MAT_ALBEDO_COLOUR, Vector(0.2, 0.4, 0.6)}, {MAT_USE_EMISSION, 1},
+				{MAT_EMISSION_MODE, MAT_SPECTRUM_BLACKBODY}, {MAT_EMISSION_BLACKBODY_TEMPERATURE, 3200.0},
+				{MAT_EMISSION_BLACKBODY_GAIN, 2.5}},
+			{MAT_USE_SIGMA, MAT_USE_ALBEDO, MAT_ALBEDO_GAMMA}},
 		{"Phong", MAT_TYPE_PHONG,
-			[](BaseContainer& d) {
-				d.SetBool(MAT_PHONG_SPECULAR_MODE, true);
-				d.SetFloat(MAT_EXPONENT_VALUE, 250);
-				d.SetBool(MAT_PHONG_USE_NK, true);
-				d.SetInt32(MAT_PHONG_NK_FILE, FindNkFile(String("Au.nk")));
-				d.SetFloat(MAT_PHONG_IOR, 1.33);
-				d.SetVector(MAT_ALBEDO_COLOUR, Vector(0.9, 0.8, 0.1));
-			},
-			{{MAT_PHONG_SPECULAR_MODE}, {MAT_USE_EXPONENT}, {MAT_EXPONENT_VALUE}, {MAT_PHONG_USE_NK},
-				{MAT_PHONG_NK_FILE}, {MAT_PHONG_IOR}, {MAT_ALBEDO_COLOUR, Check::Product, MAT_ALBEDO_SCALE},
-				{MAT_ALBEDO_GAMMA}}},
+			{{MAT_PHONG_SPECULAR_MODE, 1}, {MAT_EXPONENT_VALUE, 250.0}, {MAT_PHONG_USE_NK, 1},
+				{MAT_PHONG_NK_FILE, FindNkFile(String("Au.nk"))}, {MAT_PHONG_IOR, 1.33},
+				{MAT_ALBEDO_COLOUR, Vector(0.9, 0.8, 0.1)}},
+			{MAT_USE_EXPONENT, MAT_ALBEDO_GAMMA}},
 		{"Transmitter", MAT_TYPE_DIFFUSE_TRANSMITTER,
-			[](BaseContainer& d) {
-				// Binding the scene needs the transmitter's medium.
-				d.SetBool(MAT_USE_MEDIUM, true);
-				d.SetVector(MAT_ALBEDO_COLOUR, Vector(0.3, 0.3, 0.9));
-				d.SetBool(MAT_USE_EMISSION, true);
-				d.SetInt32(MAT_EMISSION_MODE, MAT_SPECTRUM_UNIFORM);
-				d.SetFloat(MAT_EMISSION_UNIFORM, 7.5);
-			},
-			{{MAT_USE_ALBEDO}, {MAT_ALBEDO_COLOUR, Check::Product, MAT_ALBEDO_SCALE}, {MAT_ALBEDO_GAMMA},
-				{MAT_EMISSION_MODE}, {MAT_EMISSION_UNIFORM}}},
+			{{MAT_ALBEDO_COLOUR, Vector(0.3, 0.3, 0.9)}, {MAT_USE_EMISSION, 1},
+				{MAT_EMISSION_MODE, MAT_SPECTRUM_UNIFORM}, {MAT_EMISSION_UNIFORM, 7.5}},
+			{MAT_USE_ALBEDO, MAT_ALBEDO_GAMMA}},
 		{"Specular", MAT_TYPE_SPECULAR,
-			[](BaseContainer& d) {
-				d.SetBool(MAT_TRANSPARENT, false);
-				d.SetString(MAT_PRIVATE_DATA, String("coated"));
-				d.SetInt32(MAT_MEDIUM_PRECEDENCE, 7);
-				d.SetFloat(MAT_MEDIUM_IOR, 1.52);
-				d.SetFloat(MAT_MEDIUM_CAUCHY_B, 0.004);
-				d.SetInt32(MAT_ABSORPTION_MODE, MAT_SPECTRUM_RGB);
-				d.SetVector(MAT_ABSORPTION_RGB_COLOUR, Vector(0.25, 0.5, 0.75));
-				d.SetFloat(MAT_ABSORPTION_RGB_GAMMA, 1.4);
-				d.SetBool(MAT_MEDIUM_SSS, true);
-				d.SetInt32(MAT_SCATTERING_MODE, MAT_SPECTRUM_UNIFORM);
-				d.SetFloat(MAT_SCATTERING_UNIFORM, 0.3);
-				d.SetInt32(MAT_PHASE_KIND, MAT_PHASE_HENYEY_GREENSTEIN);
-				d.SetVector(MAT_PHASE_G, Vector(0.1, 0.2, 0.3));
-				d.SetBool(MAT_USE_ABSORPTION_LAYER, true);
-				d.SetVector(MAT_ABSORPTION_LAYER_COLOUR, Vector(0.6, 0.7, 0.8));
-				d.SetBool(MAT_USE_EMISSION, true);
-				d.SetInt32(MAT_EMISSION_MODE, MAT_SPECTRUM_TABULATED);
-				d.SetFloat(MAT_EMISSION_TABLE_START, 380);
-				d.SetFloat(MAT_EMISSION_TABLE_END, 720);
-				d.SetString(MAT_EMISSION_TABLE_VALUES, String("0.1 0.25 0.3"));
-			},
-			{{MAT_TRANSPARENT}, {MAT_PRIVATE_DATA}, {MAT_MEDIUM_KIND}, {MAT_MEDIUM_PRECEDENCE}, {MAT_MEDIUM_IOR},
-				{MAT_MEDIUM_CAUCHY_B}, {MAT_ABSORPTION_MODE},
-				{MAT_ABSORPTION_RGB_COLOUR, Check::Product, MAT_ABSORPTION_RGB_SCALE}, {MAT_ABSORPTION_RGB_GAMMA},
-				{MAT_MEDIUM_SSS}, {MAT_SCATTERING_MODE}, {MAT_SCATTERING_UNIFORM}, {MAT_PHASE_KIND}, {MAT_PHASE_G},
-				{MAT_USE_ABSORPTION_LAYER}, {MAT_ABSORPTION_LAYER_COLOUR, Check::Product, MAT_ABSORPTION_LAYER_SCALE},
-				{MAT_ABSORPTION_LAYER_GAMMA}, {MAT_EMISSION_MODE}, {MAT_EMISSION_TABLE_START},
-				{MAT_EMISSION_TABLE_END}, {MAT_EMISSION_TABLE_VALUES}}},
+			{{MAT_TRANSPARENT, 0}, {MAT_PRIVATE_DATA, "coated"}, {MAT_MEDIUM_PRECEDENCE, 7}, {MAT_MEDIUM_IOR, 1.52},
+				{MAT_MEDIUM_CAUCHY_B, 0.004}, {MAT_ABSORPTION_MODE, MAT_SPECTRUM_RGB},
+				{MAT_ABSORPTION_RGB_COLOUR, Vector(0.25, 0.5, 0.75)}, {MAT_ABSORPTION_RGB_GAMMA, 1.4},
+				{MAT_MEDIUM_SSS, 1}, {MAT_SCATTERING_MODE, MAT_SPECTRUM_UNIFORM}, {MAT_SCATTERING_UNIFORM, 0.3},
+				{MAT_PHASE_KIND, MAT_PHASE_HENYEY_GREENSTEIN}, {MAT_PHASE_G, Vector(0.1, 0.2, 0.3)},
+				{MAT_USE_ABSORPTION_LAYER, 1}, {MAT_ABSORPTION_LAYER_COLOUR, Vector(0.6, 0.7, 0.8)},
+				{MAT_USE_EMISSION, 1}, {MAT_EMISSION_MODE, MAT_SPECTRUM_TABULATED}, {MAT_EMISSION_TABLE_START, 380.0},
+				{MAT_EMISSION_TABLE_END, 720.0}, {MAT_EMISSION_TABLE_VALUES, "0.1 0.25 0.3"}},
+			{MAT_MEDIUM_KIND, MAT_ABSORPTION_LAYER_GAMMA}},
 		{"Glossy", MAT_TYPE_GLOSSY_TRANSPARENT,
-			[](BaseContainer& d) {
-				d.SetFloat(MAT_EXPONENT_VALUE, 80);
-				d.SetInt32(MAT_MEDIUM_KIND, MAT_MEDIUM_DERMIS);
-				d.SetFloat(MAT_DERMIS_HEMOGLOBIN, 0.12);
-				d.SetBool(MAT_USE_ABSORPTION_LAYER, true);
-				d.SetVector(MAT_ABSORPTION_LAYER_COLOUR, Vector(0.5, 0.5, 0.1));
-				d.SetBool(MAT_USE_EMISSION, true);
-				d.SetInt32(MAT_EMISSION_MODE, MAT_SPECTRUM_PEAK);
-				d.SetFloat(MAT_EMISSION_PEAK_MIN, 450);
-				d.SetFloat(MAT_EMISSION_PEAK_WIDTH, 120);
-				d.SetFloat(MAT_EMISSION_PEAK_BASE, 0.5);
-				d.SetFloat(MAT_EMISSION_PEAK_VALUE, 3);
-			},
-			{{MAT_USE_EXPONENT}, {MAT_EXPONENT_VALUE}, {MAT_MEDIUM_KIND}, {MAT_DERMIS_HEMOGLOBIN},
-				{MAT_USE_ABSORPTION_LAYER}, {MAT_ABSORPTION_LAYER_COLOUR, Check::Product, MAT_ABSORPTION_LAYER_SCALE},
-				{MAT_EMISSION_MODE}, {MAT_EMISSION_PEAK_MIN}, {MAT_EMISSION_PEAK_WIDTH}, {MAT_EMISSION_PEAK_BASE},
-				{MAT_EMISSION_PEAK_VALUE}}},
+			{{MAT_EXPONENT_VALUE, 80.0}, {MAT_MEDIUM_KIND, MAT_MEDIUM_DERMIS}, {MAT_DERMIS_HEMOGLOBIN, 0.12},
+				{MAT_USE_ABSORPTION_LAYER, 1}, {MAT_ABSORPTION_LAYER_COLOUR, Vector(0.5, 0.5, 0.1)},
+				{MAT_USE_EMISSION, 1}, {MAT_EMISSION_MODE, MAT_SPECTRUM_PEAK}, {MAT_EMISSION_PEAK_MIN, 450.0},
+				{MAT_EMISSION_PEAK_WIDTH, 120.0}, {MAT_EMISSION_PEAK_BASE, 0.5}, {MAT_EMISSION_PEAK_VALUE, 3.0}},
+			{MAT_USE_EXPONENT}},
 		{"Blend", MAT_TYPE_BLEND,
-			[&](BaseContainer& d) {
-				d.SetLink(MAT_BLEND_A, first);
-				d.SetLink(MAT_BLEND_B, second);
-				d.SetFloat(MAT_ALPHA_VALUE, 0.3);
-				d.SetBool(MAT_BLEND_STEP, true);
-			},
-			{{MAT_BLEND_A, Check::Link}, {MAT_BLEND_B, Check::Link}, {MAT_USE_ALPHA}, {MAT_ALPHA_VALUE},
-				{MAT_BLEND_STEP}}},
-		{"Null", MAT_TYPE_NULL, [](BaseContainer&) {}, {}},
+			{{MAT_BLEND_A, first}, {MAT_BLEND_B, second}, {MAT_ALPHA_VALUE, 0.3}, {MAT_BLEND_STEP, 1}},
+			{MAT_USE_ALPHA}},
+		{"Null", MAT_TYPE_NULL, {}, {}},
 		{"Coating", MAT_TYPE_COATING,
-			[&](BaseContainer& d) {
-				d.SetLink(MAT_COAT_SUBSTRATE, second);
-				d.SetFloat(MAT_COAT_IOR, 1.7);
-				d.SetBool(MAT_COAT_INTERFERENCE, true);
-				d.SetInt32(MAT_CH_COAT_ABSORPTION + MAT_CH_MODE, MAT_SPECTRUM_RGB);
-				d.SetVector(MAT_CH_COAT_ABSORPTION + MAT_CH_COLOUR, Vector(0.5, 1.0, 0.25));
-				d.SetFloat(MAT_CH_COAT_ABSORPTION + MAT_CH_SCALE, 3.0);
-				d.SetFloat(MAT_CH_COAT_ABSORPTION + MAT_CH_GAMMA, 1.2);
-				d.SetFloat(MAT_CH_FRESNEL_SCALE + MAT_CH_VALUE, 0.9);
-				d.SetFloat(MAT_CH_ROUGHNESS + MAT_CH_VALUE, 0.15);
-				d.SetFloat(MAT_CH_COAT_THICKNESS + MAT_CH_VALUE, 250);
-			},
-			{{MAT_COAT_SUBSTRATE, Check::Link}, {MAT_COAT_IOR}, {MAT_COAT_INTERFERENCE},
-				{MAT_CH_COAT_ABSORPTION + MAT_CH_MODE},
-				{MAT_CH_COAT_ABSORPTION + MAT_CH_COLOUR, Check::Product, MAT_CH_COAT_ABSORPTION + MAT_CH_SCALE},
-				{MAT_CH_COAT_ABSORPTION + MAT_CH_GAMMA}, {MAT_USE_COAT_ABSORPTION}, {MAT_USE_FRESNEL_SCALE},
-				{MAT_CH_FRESNEL_SCALE + MAT_CH_VALUE}, {MAT_USE_ROUGHNESS}, {MAT_CH_ROUGHNESS + MAT_CH_VALUE},
-				{MAT_USE_COAT_THICKNESS}, {MAT_CH_COAT_THICKNESS + MAT_CH_VALUE}}},
+			{{MAT_COAT_SUBSTRATE, second}, {MAT_COAT_IOR, 1.7}, {MAT_COAT_INTERFERENCE, 1},
+				{ABSORPTION + MAT_CH_MODE, MAT_SPECTRUM_RGB}, {ABSORPTION + MAT_CH_COLOUR, Vector(0.5, 1.0, 0.25)},
+				{ABSORPTION + MAT_CH_SCALE, 3.0}, {ABSORPTION + MAT_CH_GAMMA, 1.2},
+				{MAT_CH_FRESNEL_SCALE + MAT_CH_VALUE, 0.9}, {MAT_CH_ROUGHNESS + MAT_CH_VALUE, 0.15},
+				{MAT_CH_COAT_THICKNESS + MAT_CH_VALUE, 250.0}},
+			{MAT_USE_COAT_ABSORPTION, MAT_USE_FRESNEL_SCALE, MAT_USE_ROUGHNESS, MAT_USE_COAT_THICKNESS}},
 		{"Thin", MAT_TYPE_DOUBLE_SIDED_THIN,
-			[&](BaseContainer& d) {
-				d.SetLink(MAT_THIN_FRONT, first);
-				d.SetLink(MAT_THIN_BACK, second);
-				d.SetFloat(MAT_THIN_IOR, 1.3);
-				d.SetInt32(MAT_CH_TRANSMITTANCE + MAT_CH_MODE, MAT_SPECTRUM_BLACKBODY);
-				d.SetFloat(MAT_CH_TRANSMITTANCE + MAT_CH_TEMPERATURE, 5000);
-				d.SetFloat(MAT_CH_TRANSMITTANCE + MAT_CH_GAIN, 2);
-				d.SetFloat(MAT_CH_FRESNEL_SCALE + MAT_CH_VALUE, 0.8);
-				d.SetFloat(MAT_CH_BACK_FRESNEL_SCALE + MAT_CH_VALUE, 0.7);
-				d.SetFloat(MAT_CH_ROUGHNESS + MAT_CH_VALUE, 0.2);
-				d.SetFloat(MAT_CH_BACK_ROUGHNESS + MAT_CH_VALUE, 0.35);
-				d.SetFloat(MAT_CH_R_F + MAT_CH_VALUE, 0.6);
-			},
-			{{MAT_THIN_FRONT, Check::Link}, {MAT_THIN_BACK, Check::Link}, {MAT_THIN_IOR},
-				{MAT_CH_TRANSMITTANCE + MAT_CH_MODE}, {MAT_CH_TRANSMITTANCE + MAT_CH_TEMPERATURE},
-				{MAT_CH_TRANSMITTANCE + MAT_CH_GAIN}, {MAT_CH_FRESNEL_SCALE + MAT_CH_VALUE},
-				{MAT_CH_BACK_FRESNEL_SCALE + MAT_CH_VALUE}, {MAT_CH_ROUGHNESS + MAT_CH_VALUE},
-				{MAT_CH_BACK_ROUGHNESS + MAT_CH_VALUE}, {MAT_CH_R_F + MAT_CH_VALUE}, {MAT_USE_TRANSMITTANCE},
-				{MAT_USE_R_F}, {MAT_USE_BACK_ROUGHNESS}}},
+			{{MAT_THIN_FRONT, first}, {MAT_THIN_BACK, second}, {MAT_THIN_IOR, 1.3},
+				{TRANSMITTANCE + MAT_CH_MODE, MAT_SPECTRUM_BLACKBODY}, {TRANSMITTANCE + MAT_CH_TEMPERATURE, 5000.0},
+				{TRANSMITTANCE + MAT_CH_GAIN, 2.0}, {MAT_CH_FRESNEL_SCALE + MAT_CH_VALUE, 0.8},
+				{MAT_CH_BACK_FRESNEL_SCALE + MAT_CH_VALUE, 0.7}, {MAT_CH_ROUGHNESS + MAT_CH_VALUE, 0.2},
+				{MAT_CH_BACK_ROUGHNESS + MAT_CH_VALUE, 0.35}, {MAT_CH_R_F + MAT_CH_VALUE, 0.6}},
+			{MAT_USE_TRANSMITTANCE, MAT_USE_R_F, MAT_USE_BACK_ROUGHNESS}},
 	};
+	for(const auto& c : cases)
+	{
+		BaseMaterial* source = newMaterial(c.kind, c.name);
+		for(const auto& [id, value] : c.set)
+			source->GetDataInstance()->SetData(id, value);
+	}
+	// Binding the scene needs the transmitter's medium, whose switch the
+	// import does not set.
+	material(doc, "Transmitter")->GetDataInstance()->SetBool(MAT_USE_MEDIUM, true);
+	BaseMaterial* diffuse = material(doc, "Diffuse");
+	BaseShader* bitmap = BaseShader::Alloc(Xbitmap);
+	bitmap->GetDataInstance()->SetFilename(BITMAPSHADER_FILENAME, Filename(String(texture)));
+	diffuse->InsertShader(bitmap);
+	diffuse->GetDataInstance()->SetLink(MAT_BUMP_LINK, bitmap);
 
 	// The export's stand-ins for an empty link, as the export driver makes
 	// them.
@@ -358,13 +259,8 @@ TEST_F(MaterialImportTest, EachKindComesBackWithTheParametersItWasExportedFrom)
 	std::vector<Filename> temp_files;
 	ExportSettings settings(doc, Filename("scene.vls"), &temp_files, 0, 64, 64, 0, 0, 0, 0);
 	settings.null_material = settings.default_material = null_node->uid;
-
 	for(const auto& c : cases)
-	{
-		BaseMaterial* source = newMaterial(c.kind, c.name);
-		c.setup(*source->GetDataInstance());
-		ASSERT_TRUE(exportLinkedMaterial(source, *root, settings).valid()) << c.name;
-	}
+		ASSERT_TRUE(exportLinkedMaterial(material(doc, c.name), *root, settings).valid()) << c.name;
 	const std::string path = files.file("all_kinds.vlm");
 	root->finalise(Velorn::String(path));
 	root->writeToFile(Velorn::String(path), false, nullptr);
@@ -374,7 +270,6 @@ TEST_F(MaterialImportTest, EachKindComesBackWithTheParametersItWasExportedFrom)
 	for(const auto& c : cases)
 	{
 		SCOPED_TRACE(c.name);
-		BaseMaterial* source = material(doc, c.name);
 		BaseMaterial* target = material(imported, c.name);
 		if(c.kind == MAT_TYPE_NULL)
 		{
@@ -382,36 +277,13 @@ TEST_F(MaterialImportTest, EachKindComesBackWithTheParametersItWasExportedFrom)
 			continue;
 		}
 		ASSERT_NE(target, nullptr);
-		const BaseContainer& want = *source->GetDataInstance();
+		const BaseContainer& want = *material(doc, c.name)->GetDataInstance();
 		const BaseContainer& got = *target->GetDataInstance();
 		EXPECT_EQ(got.GetInt32(MAT_TYPE), c.kind);
-		for(const Check& check : c.checks)
-		{
-			SCOPED_TRACE(check.id);
-			switch(check.kind)
-			{
-			case Check::Same: expectSameValue(want, got, check.id); break;
-			case Check::Product:
-			{
-				const Vector w = want.GetVector(check.id) * want.GetFloat(check.id2);
-				const Vector g = got.GetVector(check.id) * got.GetFloat(check.id2);
-				EXPECT_NEAR(g.x, w.x, 1e-12);
-				EXPECT_NEAR(g.y, w.y, 1e-12);
-				EXPECT_NEAR(g.z, w.z, 1e-12);
-				break;
-			}
-			case Check::Link:
-			{
-				BaseList2D* w = want.GetLink(check.id, doc);
-				BaseList2D* g = got.GetLink(check.id, imported);
-				ASSERT_NE(w, nullptr);
-				ASSERT_NE(g, nullptr);
-				EXPECT_EQ(g->GetName(), w->GetName());
-				EXPECT_EQ(g->GetDocument(), imported);
-				break;
-			}
-			}
-		}
+		for(const auto& [id, value] : c.set)
+			expectImported(want, doc, got, imported, id);
+		for(int32_t id : c.also)
+			expectImported(want, doc, got, imported, id);
 	}
 	// The bump texture is a bitmap shader of the file, owned by the material.
 	BaseList2D* bump = material(imported, "Diffuse")->GetDataInstance()->GetLink(MAT_BUMP_LINK, imported);
@@ -421,7 +293,8 @@ TEST_F(MaterialImportTest, EachKindComesBackWithTheParametersItWasExportedFrom)
 	// The materials that the links name came in once each, under their names;
 	// the null material left nothing.
 	EXPECT_EQ(materialCount(imported), materialCount(doc) - 1);
-	EXPECT_TRUE(printed("Loaded texture: " + texture));
+	const std::vector<std::string> printed = lines(HostConsole::Kind::Print);
+	EXPECT_NE(std::find(printed.begin(), printed.end(), "Loaded texture: " + texture), printed.end());
 	EXPECT_TRUE(lines(HostConsole::Kind::Message).empty());
 	BaseDocument::Free(imported);
 }
@@ -450,8 +323,7 @@ TEST_F(MaterialImportTest, SecondImportDuplicatesNothingAndForwardLinksImportFir
 	const BaseContainer& mix = *material(doc, "Mix")->GetDataInstance();
 	EXPECT_EQ(mix.GetLink(MAT_BLEND_A, doc), material(doc, "Red"));
 	EXPECT_EQ(mix.GetLink(MAT_BLEND_B, doc), material(doc, "Blue"));
-	EXPECT_EQ(mix.GetFloat(MAT_ALPHA_VALUE), 0.25);
-	EXPECT_TRUE(mix.GetBool(MAT_BLEND_STEP));
+	expectValues(mix, {{MAT_ALPHA_VALUE, 0.25}, {MAT_BLEND_STEP, 1}});
 
 	MaterialImporter again(*doc);
 	again.importFile(Filename(String(path)));
@@ -525,10 +397,7 @@ TEST_F(MaterialImportTest, TexturesAreFoundBesideTheFileAndTheirSettingsCopied)
 	BaseList2D* shader = data.GetLink(MAT_EXPONENT_LINK, doc);
 	ASSERT_NE(shader, nullptr);
 	EXPECT_EQ(shader->GetDataInstance()->GetFilename(BITMAPSHADER_FILENAME).GetString().GetStdString(), found);
-	EXPECT_EQ(data.GetFloat(MAT_EXPONENT_A), 0.5);
-	EXPECT_EQ(data.GetFloat(MAT_EXPONENT_B), 2.0);
-	EXPECT_EQ(data.GetFloat(MAT_EXPONENT_C), 0.25);
-	EXPECT_EQ(data.GetFloat(MAT_EXPONENT_EXPONENT), 1.7);
+	expectValues(data, {{MAT_EXPONENT_A, 0.5}, {MAT_EXPONENT_B, 2.0}, {MAT_EXPONENT_C, 0.25}, {MAT_EXPONENT_EXPONENT, 1.7}});
 	// The exponent channel's smooth flag lands in the bump channel's.
 	EXPECT_TRUE(data.GetBool(MAT_BUMP_SMOOTH));
 	EXPECT_FALSE(data.GetBool(MAT_EXPONENT_SMOOTH));
@@ -647,54 +516,39 @@ TEST_F(MaterialImportTest, ColoursAndMediaByTheirRules)
 			"<transparent>true</transparent></specular></material>\n");
 	importInto(doc, path);
 
-	const BaseContainer& hot = *material(doc, "Hot")->GetDataInstance();
-	EXPECT_EQ(hot.GetVector(MAT_ALBEDO_COLOUR), Vector(2, 1, 0));
-	EXPECT_EQ(hot.GetFloat(MAT_ALBEDO_SCALE), 1.0);
-	EXPECT_EQ(hot.GetFloat(MAT_ALBEDO_GAMMA), 2.2);
-	EXPECT_EQ(hot.GetVector(MAT_EMISSION_RGB_COLOUR), Vector(1, 0.5, 0));
-	EXPECT_EQ(hot.GetFloat(MAT_EMISSION_RGB_SCALE), 3.0);
-	EXPECT_TRUE(hot.GetBool(MAT_USE_EMISSION));
-
+	const struct
+	{
+		const char* name;
+		Values values;
+	} cases[] = {
+		{"Hot", {{MAT_ALBEDO_COLOUR, Vector(2, 1, 0)}, {MAT_ALBEDO_SCALE, 1.0}, {MAT_ALBEDO_GAMMA, 2.2},
+			{MAT_EMISSION_RGB_COLOUR, Vector(1, 0.5, 0)}, {MAT_EMISSION_RGB_SCALE, 3.0}, {MAT_USE_EMISSION, 1}}},
+		{"Coat", {{MAT_CH_COAT_ABSORPTION + MAT_CH_COLOUR, Vector(1, 0.5, 0)},
+			{MAT_CH_COAT_ABSORPTION + MAT_CH_SCALE, 2.0}, {MAT_CH_COAT_ABSORPTION + MAT_CH_GAMMA, 1.5},
+			{MAT_CH_COAT_ABSORPTION + MAT_CH_MODE, MAT_SPECTRUM_RGB}, {MAT_CH_COAT_THICKNESS + MAT_CH_VALUE, 2.0}}},
+		{"Face", {{MAT_MEDIUM_KIND, MAT_MEDIUM_EPIDERMIS}, {MAT_MEDIUM_PRECEDENCE, 3}, {MAT_EPIDERMIS_MELANIN, 0.2},
+			{MAT_EPIDERMIS_TYPE_BLEND, 0.7}, {MAT_TRANSPARENT, 0}}},
+		// The scene is z-up: y and z change places. A medium without
+		// precedence reads as 2.
+		{"Sky", {{MAT_MEDIUM_KIND, MAT_MEDIUM_ATMOSPHERE}, {MAT_ATMOSPHERE_CENTRE, Vector(1, 3, 2)},
+			{MAT_ATMOSPHERE_TURBIDITY, 2.5}, {MAT_MEDIUM_PRECEDENCE, 2}}},
+		// (4,2,1) is the unit colour (1,0.5,0.25) at scale 4; the host keeps
+		// what passes: 1 - component.
+		{"Jade", {{MAT_MEDIUM_KIND, MAT_MEDIUM_BASIC}, {MAT_MEDIUM_IOR, 1.4}, {MAT_ABSORPTION_MODE, MAT_SPECTRUM_RGB},
+			{MAT_ABSORPTION_RGB_COLOUR, Vector(0, 0.5, 0.75)}, {MAT_ABSORPTION_RGB_SCALE, 4.0}, {MAT_MEDIUM_SSS, 1},
+			{MAT_SCATTERING_MODE, MAT_SPECTRUM_BLACKBODY}, {MAT_SCATTERING_BLACKBODY_TEMPERATURE, 4000.0},
+			{MAT_SCATTERING_BLACKBODY_GAIN, 0.5}, {MAT_PHASE_KIND, MAT_PHASE_HENYEY_GREENSTEIN},
+			{MAT_PHASE_G, Vector(0.3, 0.4, 0.5)}, {MAT_PHASE_G_GAMMA, 1.0}}},
+	};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.name);
+		expectValues(*material(doc, c.name)->GetDataInstance(), c.values);
+	}
 	const BaseContainer& coat = *material(doc, "Coat")->GetDataInstance();
-	EXPECT_EQ(coat.GetVector(MAT_CH_COAT_ABSORPTION + MAT_CH_COLOUR), Vector(1, 0.5, 0));
-	EXPECT_EQ(coat.GetFloat(MAT_CH_COAT_ABSORPTION + MAT_CH_SCALE), 2.0);
-	EXPECT_EQ(coat.GetFloat(MAT_CH_COAT_ABSORPTION + MAT_CH_GAMMA), 1.5);
-	EXPECT_EQ(coat.GetInt32(MAT_CH_COAT_ABSORPTION + MAT_CH_MODE), MAT_SPECTRUM_RGB);
-	EXPECT_NEAR(coat.GetFloat(MAT_CH_COAT_THICKNESS + MAT_CH_VALUE), 2.0, 1e-12);
 	EXPECT_EQ(coat.GetLink(MAT_COAT_SUBSTRATE, doc), material(doc, "Hot"));
 	// Without emission in the file the emission page stays off.
 	EXPECT_FALSE(coat.GetBool(MAT_USE_EMISSION));
-
-	const BaseContainer& face = *material(doc, "Face")->GetDataInstance();
-	EXPECT_EQ(face.GetInt32(MAT_MEDIUM_KIND), MAT_MEDIUM_EPIDERMIS);
-	EXPECT_EQ(face.GetInt32(MAT_MEDIUM_PRECEDENCE), 3);
-	EXPECT_EQ(face.GetFloat(MAT_EPIDERMIS_MELANIN), 0.2);
-	EXPECT_EQ(face.GetFloat(MAT_EPIDERMIS_TYPE_BLEND), 0.7);
-	EXPECT_FALSE(face.GetBool(MAT_TRANSPARENT));
-
-	// The scene is z-up: y and z change places.
-	const BaseContainer& sky = *material(doc, "Sky")->GetDataInstance();
-	EXPECT_EQ(sky.GetInt32(MAT_MEDIUM_KIND), MAT_MEDIUM_ATMOSPHERE);
-	EXPECT_EQ(sky.GetVector(MAT_ATMOSPHERE_CENTRE), Vector(1, 3, 2));
-	EXPECT_EQ(sky.GetFloat(MAT_ATMOSPHERE_TURBIDITY), 2.5);
-	// A medium without precedence reads as 2.
-	EXPECT_EQ(sky.GetInt32(MAT_MEDIUM_PRECEDENCE), 2);
-
-	// (4,2,1) is the unit colour (1,0.5,0.25) at scale 4; the host keeps
-	// what passes: 1 - component.
-	const BaseContainer& jade = *material(doc, "Jade")->GetDataInstance();
-	EXPECT_EQ(jade.GetInt32(MAT_MEDIUM_KIND), MAT_MEDIUM_BASIC);
-	EXPECT_EQ(jade.GetFloat(MAT_MEDIUM_IOR), 1.4);
-	EXPECT_EQ(jade.GetInt32(MAT_ABSORPTION_MODE), MAT_SPECTRUM_RGB);
-	EXPECT_EQ(jade.GetVector(MAT_ABSORPTION_RGB_COLOUR), Vector(0, 0.5, 0.75));
-	EXPECT_EQ(jade.GetFloat(MAT_ABSORPTION_RGB_SCALE), 4.0);
-	EXPECT_TRUE(jade.GetBool(MAT_MEDIUM_SSS));
-	EXPECT_EQ(jade.GetInt32(MAT_SCATTERING_MODE), MAT_SPECTRUM_BLACKBODY);
-	EXPECT_EQ(jade.GetFloat(MAT_SCATTERING_BLACKBODY_TEMPERATURE), 4000);
-	EXPECT_EQ(jade.GetFloat(MAT_SCATTERING_BLACKBODY_GAIN), 0.5);
-	EXPECT_EQ(jade.GetInt32(MAT_PHASE_KIND), MAT_PHASE_HENYEY_GREENSTEIN);
-	EXPECT_EQ(jade.GetVector(MAT_PHASE_G), Vector(0.3, 0.4, 0.5));
-	EXPECT_EQ(jade.GetFloat(MAT_PHASE_G_GAMMA), 1.0);
 }
 
 TEST_F(MaterialImportTest, PackedFileUnpacksIntoATimerFolder)

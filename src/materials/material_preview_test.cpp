@@ -143,13 +143,8 @@ TEST_F(MaterialPreviewTest, PreparedSceneHoldsTheCloneAreaLightsAndTheRenderersS
 	const BaseContainer* post = findVideoPostContainer(scene);
 	ASSERT_NE(post, nullptr);
 	EXPECT_FALSE(scene->GetActiveRenderData()->GetFirstVideoPost()->GetBit(BIT_ACTIVE));
-	EXPECT_EQ(post->GetInt32(vp_auto_threads), 1);
-	EXPECT_EQ(post->GetInt32(vp_max_depth), 100);
-	EXPECT_EQ(post->GetInt32(vp_render_mode), vp_render_mode_bidirectional);
-	EXPECT_EQ(post->GetInt32(vp_material_preview), 1);
-	EXPECT_EQ(post->GetInt32(vp_save_vli), 0);
-	EXPECT_EQ(post->GetFloat(vp_image_save_period), 1000000.0);
-	EXPECT_EQ(post->GetInt32(vp_unit), vp_unit_cm);
+	expectValues(*post, {{vp_auto_threads, 1}, {vp_max_depth, 100}, {vp_render_mode, vp_render_mode_bidirectional},
+		{vp_material_preview, 1}, {vp_save_vli, 0}, {vp_image_save_period, 1000000.0}, {vp_unit, vp_unit_cm}});
 
 	EXPECT_EQ(scene->SearchObject(String("Environment")), nullptr);
 	EXPECT_EQ(scene->SearchObject(String("Sky")), nullptr);
@@ -158,25 +153,20 @@ TEST_F(MaterialPreviewTest, PreparedSceneHoldsTheCloneAreaLightsAndTheRenderersS
 	{
 		SCOPED_TRACE(name);
 		const BaseObject* light = scene->SearchObject(String(name));
-		EXPECT_EQ(light->GetDataInstance()->GetInt32(LIGHT_TYPE), LIGHT_TYPE_AREA);
-		EXPECT_EQ(light->GetDataInstance()->GetFloat(LIGHT_AREADEFINITION_SIZEX), 400.0);
-		EXPECT_EQ(light->GetDataInstance()->GetFloat(LIGHT_AREADEFINITION_SIZEY), 400.0);
+		expectValues(*light->GetDataInstance(), {{LIGHT_TYPE, LIGHT_TYPE_AREA}, {LIGHT_AREADEFINITION_SIZEX, 400.0},
+			{LIGHT_AREADEFINITION_SIZEY, 400.0}});
 		const BaseTag* light_tag = light->GetTag(ID_LIGHT_TAG);
 		ASSERT_NE(light_tag, nullptr);
-		EXPECT_EQ(light_tag->GetDataInstance()->GetInt32(lt_type), lt_type_black_body);
-		EXPECT_EQ(light_tag->GetDataInstance()->GetFloat(lt_black_body_gain), std::string(name) == "Light" ? 1.0 : 0.4);
+		expectValues(*light_tag->GetDataInstance(), {{lt_type, lt_type_black_body},
+			{lt_black_body_gain, std::string(name) == "Light" ? 1.0 : 0.4}});
 	}
 	EXPECT_EQ(scene->SearchObject(String("Polygon"))->GetMg().off.y, 1100.0);
 
 	const BaseTag* camera_tag = scene->GetActiveCamera()->GetTag(ID_CAMERA_TAG);
 	ASSERT_NE(camera_tag, nullptr);
-	const BaseContainer& camera = *camera_tag->GetDataInstance();
-	EXPECT_EQ(camera.GetFloat(ct_f_number), 64.0);
-	EXPECT_EQ(camera.GetFloat(ct_exposure_divisor), 1000.0);
-	EXPECT_EQ(camera.GetInt32(ct_tonemap), ct_tonemap_camera);
-	EXPECT_EQ(camera.GetFloat(ct_film_iso), 200.0);
-	EXPECT_EQ(camera.GetInt32(ct_super_sample), 2);
-	EXPECT_EQ(camera.GetInt32(ct_response_function), 28);
+	expectValues(*camera_tag->GetDataInstance(), {{ct_f_number, 64.0}, {ct_exposure_divisor, 1000.0},
+		{ct_tonemap, ct_tonemap_camera}, {ct_super_sample, 2}, {ct_response_function, 28}});
+	EXPECT_EQ(camera_tag->GetDataInstance()->GetFloat(ct_film_iso), 200.0);
 
 	const TextureTag* floor_tag = static_cast<const TextureTag*>(scene->SearchObject(String("Floor"))->GetTag(Ttexture));
 	const BaseList2D* shader = floor_tag->GetMaterial()->GetDataInstance()->GetLink(MATERIAL_COLOR_SHADER);
@@ -286,11 +276,9 @@ TEST_F(MaterialPreviewTest, QualityGivesTheHaltAndTheBitmapTheSize)
 		EXPECT_EQ(result.step, MaterialPreviewStep::Answered);
 		EXPECT_EQ(result.result, RENDERRESULT_OK);
 		EXPECT_EQ(haltValue(preview), halt);
-		const BaseContainer& rd = *preview.GetScene()->GetActiveRenderData()->GetDataInstance();
-		EXPECT_EQ(rd.GetInt32(RDATA_XRES), 20);
-		EXPECT_EQ(rd.GetInt32(RDATA_YRES), 12);
-		EXPECT_EQ(rd.GetInt32(5002), 1);
-		EXPECT_EQ(rd.GetInt32(5300), s.editorPreview ? 1 : 0);
+		expectValues(*preview.GetScene()->GetActiveRenderData()->GetDataInstance(),
+			{{RDATA_XRES, 20}, {RDATA_YRES, 12}, {5002, 1}});
+		EXPECT_EQ(preview.GetScene()->GetActiveRenderData()->GetDataInstance()->GetInt32(5300), s.editorPreview);
 	}
 }
 

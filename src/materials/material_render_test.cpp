@@ -34,26 +34,9 @@ struct LitPoint : VolumeData
 	std::vector<Vector> traced;
 };
 
-void expectNear(const Vector& a, const Vector& b)
-{
-	EXPECT_NEAR(a.x, b.x, 1e-6);
-	EXPECT_NEAR(a.y, b.y, 1e-6);
-	EXPECT_NEAR(a.z, b.z, 1e-6);
-}
-
 class MaterialRender : public MaterialTest
 {
 protected:
-	// A host colour shader under mat, linked from link.
-	BaseShader* linkColour(BaseMaterial* mat, int32_t link, const Vector& colour)
-	{
-		BaseShader* shader = BaseShader::Alloc(Xcolor);
-		shader->GetDataInstance()->SetVector(COLORSHADER_COLOR, colour);
-		mat->InsertShader(shader);
-		mat->GetDataInstance()->SetLink(link, shader);
-		return shader;
-	}
-
 	// CalcSurface and CalcTransparency of mat at a point, between InitRender
 	// and FreeRender.
 	void shade(BaseMaterial* mat, LitPoint& point)
@@ -81,9 +64,9 @@ TEST_F(MaterialRender, SurfaceByKind)
 	LitPoint lit;
 	shade(diffuse, lit);
 	// (0.5 + 0.1) x (1, 0.5, 0.25) x 0.8, plus (0, 0, 2).
-	expectNear(lit.col, Vector(0.48, 0.24, 2.12));
+	expectNearVector(lit.col, Vector(0.48, 0.24, 2.12), 1e-6);
 	EXPECT_TRUE(lit.traced.empty());
-	expectNear(lit.trans, Vector());
+	expectNearVector(lit.trans, Vector(), 1e-6);
 
 	BaseMaterial* phong = newMaterial(MAT_TYPE_PHONG);
 	linkColour(phong, MAT_ALBEDO_LINK, Vector(0.5, 0.5, 0.5));
@@ -93,9 +76,9 @@ TEST_F(MaterialRender, SurfaceByKind)
 	mirrored.ray_dir = Vector(1, -1, 0).GetNormalized();
 	shade(phong, mirrored);
 	// t = 0.5: 0.25 + 0.5 + 0.1 = 0.85, times the light 0.6, plus 0.15.
-	expectNear(mirrored.col, Vector(0.66, 0.66, 0.66));
+	expectNearVector(mirrored.col, Vector(0.66, 0.66, 0.66), 1e-6);
 	ASSERT_EQ(mirrored.traced.size(), 1u);
-	expectNear(mirrored.traced[0], Vector(1, 1, 0).GetNormalized());
+	expectNearVector(mirrored.traced[0], Vector(1, 1, 0).GetNormalized(), 1e-6);
 
 	LitPoint deep;
 	deep.raydepth = 4;
@@ -106,8 +89,8 @@ TEST_F(MaterialRender, SurfaceByKind)
 	mirror->GetDataInstance()->SetBool(MAT_TRANSPARENT, false);
 	LitPoint black;
 	shade(mirror, black);
-	expectNear(black.col, Vector(0.15, 0.15, 0.15));
-	expectNear(black.trans, Vector());
+	expectNearVector(black.col, Vector(0.15, 0.15, 0.15), 1e-6);
+	expectNearVector(black.trans, Vector(), 1e-6);
 }
 
 // Transparent kinds pass light by Snell's law with the material's IOR
@@ -122,23 +105,23 @@ TEST_F(MaterialRender, RefractionOfTransparentKinds)
 	LitPoint entering;
 	entering.ray_dir = Vector(1, -1, 0).GetNormalized();
 	shade(glass, entering);
-	expectNear(entering.trans, Vector(1, 1, 1));
+	expectNearVector(entering.trans, Vector(1, 1, 1), 1e-6);
 	// sin 45 degrees / 1.5 along x, the rest down.
 	const double sine = std::sqrt(0.5) / 1.5;
-	expectNear(entering.tray_dir, Vector(sine, -std::sqrt(1 - sine * sine), 0));
+	expectNearVector(entering.tray_dir, Vector(sine, -std::sqrt(1 - sine * sine), 0), 1e-6);
 
 	LitPoint leaving;
 	leaving.ior = 1.5;
 	leaving.ray_dir = Vector(std::sqrt(0.75), 0.5, 0);
 	shade(glass, leaving);
 	// sin 60 degrees x 1.5 is past 1: the ray stays inside.
-	expectNear(leaving.tray_dir, Vector(std::sqrt(0.75), -0.5, 0));
+	expectNearVector(leaving.tray_dir, Vector(std::sqrt(0.75), -0.5, 0), 1e-6);
 
 	BaseMaterial* glossy = newMaterial(MAT_TYPE_GLOSSY_TRANSPARENT);
 	LitPoint through;
 	shade(glossy, through);
-	expectNear(through.trans, Vector(1, 1, 1));
-	expectNear(through.tray_dir, Vector(0, -1, 0));
+	expectNearVector(through.trans, Vector(1, 1, 1), 1e-6);
+	expectNearVector(through.tray_dir, Vector(0, -1, 0), 1e-6);
 }
 
 // A shader that cannot start stops the render, and its sampler is gone.
@@ -153,7 +136,7 @@ TEST_F(MaterialRender, FailedShaderStopsTheRender)
 	LitPoint lit;
 	mat->CalcSurface(&lit);
 	// The material's own colour, 0.8 grey, under the light of 0.6.
-	expectNear(lit.col, Vector(0.48, 0.48, 0.48));
+	expectNearVector(lit.col, Vector(0.48, 0.48, 0.48), 1e-6);
 }
 
 // The viewport image: the albedo colour times its scale, or the albedo

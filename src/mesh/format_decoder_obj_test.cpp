@@ -57,7 +57,6 @@ TEST(FormatDecoderObj, EveryFailureHasItsMessage)
 			"Position index invalid. (index '18446744073709551615' out of bounds, on line 7)"},
 		{SQUARE + "f 1/0 2 3\n", "Invalid tex coord index. (index '0' out of bounds, on line 7)"},
 		{SQUARE + "f 1/1/ 2 3\n", "syntax error: no integer following '/' (line 7)"},
-		{SQUARE + "f 1//x 2 3\n", "syntax error: no integer following '/' (line 7)"},
 		{SQUARE + "f 1//0 2 3\n", "Invalid normal index. (index '0' out of bounds, on line 7)"},
 		{SQUARE + "f 1//3 2 3\n", "Normal index invalid. (index '3' out of bounds, on line 7)"},
 		// The position is checked before the normal.
@@ -86,9 +85,6 @@ TEST(FormatDecoderObj, FacesBecomeTrianglesQuadsAndFans)
 		size_t vertices, triangles, quads;
 	};
 	const Case cases[] = {
-		{"triangle", SQUARE + "f 1 2 3\n", 3, 1, 0},
-		{"quad", SQUARE + "f 1 2 3 4\n", 4, 0, 1},
-		{"five corners make three triangles", SQUARE + "v 0.5 2 0\nf 1 2 3 5 4\n", 5, 3, 0},
 		{"corners are never shared", SQUARE + "f 1 2 3\nf 1 3 4\n", 6, 2, 0},
 		{"a degenerate triangle is dropped, its vertices stay", SQUARE + "f 1 1 2\n", 3, 0, 0},
 		{"last line without line end", SQUARE + "f 1 2 3 4", 4, 0, 1},

@@ -123,10 +123,6 @@ TEST(MeshFile, EmptyMeshIsFortyFourBytesOfHeaderAndCountWords)
 							   "\x00\x00\x00\x00" "\x00\x00\x00\x00" "\x00\x00\x00\x00", // uv_pairs, triangles, quads
 		44);
 	EXPECT_EQ(writtenBytes(Mesh()), expected);
-
-	Mesh two_uv_sets;
-	two_uv_sets.setMaxNumUVMappings(2);
-	EXPECT_EQ(writtenBytes(two_uv_sets).substr(0, 12), std::string("\x6F\x43\x53\x00" "\x03\x00\x00\x00" "\x02\x00\x00\x00", 12));
 }
 
 TEST(MeshFile, WritesTheSampleByteForByteAndReadsItBack)

@@ -17,42 +17,34 @@ using VelornTest::expectDecoderError;
 
 TEST(ModelDecoder, ExtensionSelectsTheDecoder)
 {
-	struct Case
+	const struct
 	{
 		std::string path;
 		const std::type_info& decoder;
-	};
-	const Case cases[] = {
-		{"a.obj", typeid(FormatDecoderObj)},
+	} cases[] = {
 		{"dir.ply/model.OBJ", typeid(FormatDecoderObj)},
 		{"/models/x.y.Ply", typeid(FormatDecoderPLY)},
-		{"mesh_1_2.vlmesh", typeid(VelornMeshDecoder)},
 		{"C.VLMESH", typeid(VelornMeshDecoder)},
 	};
-	for(const Case& c : cases)
+	for(const auto& c : cases)
 	{
 		SCOPED_TRACE(c.path);
 		EXPECT_EQ(typeid(findDecoder(c.path)), c.decoder);
 	}
-}
 
-TEST(ModelDecoder, PathsWithoutADecoder)
-{
-	struct Case
+	const struct
 	{
 		std::string path;
 		std::string message;
-	};
-	const Case cases[] = {
+	} failures[] = {
 		{"", "filename too short: ''"},
 		{"model", "filename too short: 'model'"},
 		{"dir.obj/model", "filename too short: 'dir.obj/model'"},
 		{"model.", "key '' not found"},
-		{"model.stl", "key 'stl' not found"},
 		{"model.OBJX", "key 'OBJX' not found"},
 		{"model.obj.gz", "key 'gz' not found"},
 	};
-	for(const Case& c : cases)
+	for(const auto& c : failures)
 	{
 		SCOPED_TRACE(c.path);
 		Mesh mesh;
@@ -80,8 +72,7 @@ TEST(VelornMeshDecoder, ReadsMeshFilesAndReportsTheirFailures)
 	EXPECT_EQ(loaded.triangles.size(), 1u);
 	EXPECT_EQ(loaded.num_materials_referenced, 1u);
 
-	const std::string missing = dir.file("missing.vlmesh");
-	expectDecoderError([&] { loadModel(missing, loaded, 1); }, "Failed to open file '" + missing + "' for reading.");
+	// The mesh file's failures come out as the decoders' class.
 	const std::string bad = dir.file("bad.vlmesh");
 	VelornTest::writeFile(bad, "not a mesh");
 	expectDecoderError([&] { loadModel(bad, loaded, 1); }, "Invalid magic number.");

@@ -14,22 +14,14 @@ using namespace Velorn;
 namespace
 {
 
-// Reads one float from the whole of text; fails the test when the cursor
+// Reads one number from the whole of text; fails the test when the cursor
 // does not take it all.
-float floatOf(const std::string& text)
+template <class T>
+T numberOf(const std::string& text, bool (TextCursor::*read)(T&))
 {
 	TextCursor cursor(text.data(), text.data() + text.size());
-	float value = -12345;
-	EXPECT_TRUE(cursor.readFloat(value)) << text;
-	EXPECT_TRUE(cursor.atEnd()) << text;
-	return value;
-}
-
-double doubleOf(const std::string& text)
-{
-	TextCursor cursor(text.data(), text.data() + text.size());
-	double value = -12345;
-	EXPECT_TRUE(cursor.readDouble(value)) << text;
+	T value = -12345;
+	EXPECT_TRUE((cursor.*read)(value)) << text;
 	EXPECT_TRUE(cursor.atEnd()) << text;
 	return value;
 }
@@ -46,9 +38,9 @@ uint32_t bitsOf(float f)
 void expectSameAsCLibrary(const std::string& text)
 {
 	SCOPED_TRACE(text);
-	EXPECT_EQ(bitsOf(floatOf(text)), bitsOf(std::strtof(text.c_str(), nullptr)));
+	EXPECT_EQ(bitsOf(numberOf(text, &TextCursor::readFloat)), bitsOf(std::strtof(text.c_str(), nullptr)));
 	const double expected = std::strtod(text.c_str(), nullptr);
-	const double actual = doubleOf(text);
+	const double actual = numberOf(text, &TextCursor::readDouble);
 	EXPECT_EQ(std::memcmp(&actual, &expected, sizeof(double)), 0) << actual << " against " << expected;
 }
 

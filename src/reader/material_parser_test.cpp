@@ -67,12 +67,13 @@ std::string describe(const Reference<Family>& param)
 	return "unknown";
 }
 
-std::string texturePaths(const Material& material)
+// One channel of a material of kind M, described.
+typedef std::function<std::string(const Material&)> Channel;
+
+template <class M, class Param>
+Channel channel(Reference<Param> M::*field)
 {
-	std::string paths;
-	for(const Texture& texture : material.textures)
-		paths += (paths.empty() ? "" : " ") + texture.path.str();
-	return paths;
+	return [field](const Material& m) { return describe(dynamic_cast<const M&>(m).*field); };
 }
 
 Reference<Material> parse(const std::string& xml, const ParseNames& names = ParseNames())
@@ -193,7 +194,6 @@ TEST(MaterialParser, MaterialElement)
 	EXPECT_EQ(uid, UID(12));
 	EXPECT_EQ(m->name, " Wood ");
 	EXPECT_TRUE(m->backface_emit);
-	EXPECT_FALSE(m->shadow_catcher);
 
 	XMLText plain(material("<diffuse/>"));
 	parseMaterial(plain.root(), "", uid, ParseNames());
@@ -227,7 +227,6 @@ TEST(MaterialParser, MaterialElement)
 // form of a channel the old ones win, in the order of the table of forms.
 TEST(MaterialParser, OldFormsAndTheirPriority)
 {
-	typedef std::function<std::string(const Material&)> Channel;
 	const Channel albedo = [](const Material& m) {
 		if(auto d = dynamic_cast<const DiffuseMaterial*>(&m))
 			return describe(d->albedo);
@@ -235,20 +234,13 @@ TEST(MaterialParser, OldFormsAndTheirPriority)
 			return describe(t->albedo);
 		return describe(dynamic_cast<const OrenNayarMaterial&>(m).albedo);
 	};
-	const Channel bump = [](const Material& m) { return describe(dynamic_cast<const SurfaceMaterial&>(m).bump); };
-	const Channel displacement = [](const Material& m) { return describe(dynamic_cast<const SurfaceMaterial&>(m).displacement); };
-	const Channel phong_diffuse = [](const Material& m) {
-		return describe(dynamic_cast<const PhongMaterial&>(m).diffuse_albedo);
-	};
-	const Channel phong_specular = [](const Material& m) {
-		return describe(dynamic_cast<const PhongMaterial&>(m).specular_reflectivity);
-	};
-	const Channel phong_exponent = [](const Material& m) { return describe(dynamic_cast<const PhongMaterial&>(m).exponent); };
-	const Channel fresnel_scale = [](const Material& m) { return describe(dynamic_cast<const PhongMaterial&>(m).fresnel_scale); };
-	const Channel glossy_exponent = [](const Material& m) {
-		return describe(dynamic_cast<const GlossyTransparent&>(m).exponent);
-	};
-	const Channel blend = [](const Material& m) { return describe(dynamic_cast<const BlendMaterial&>(m).blend); };
+	const Channel bump = channel(&SurfaceMaterial::bump);
+	const Channel displacement = channel(&SurfaceMaterial::displacement);
+	const Channel phong_diffuse = channel(&PhongMaterial::diffuse_albedo);
+	const Channel phong_specular = channel(&PhongMaterial::specular_reflectivity);
+	const Channel phong_exponent = channel(&PhongMaterial::exponent);
+	const Channel fresnel_scale = channel(&PhongMaterial::fresnel_scale);
+	const Channel blend = channel(&BlendMaterial::blend);
 
 	const std::string texture_a = "<texture><path>a.png</path></texture>";
 	const std::string in_place_b = "<path>b.png</path>";
@@ -276,7 +268,6 @@ TEST(MaterialParser, OldFormsAndTheirPriority)
 		{"<oren_nayar><albedo_spectrum>" + spectrum_half + "</albedo_spectrum></oren_nayar>", albedo, "constant uniform 0.5"},
 		{"<diffuse><bump>" + std::string(uniform_half) + "</bump><bump_map>" + in_place_b + "</bump_map></diffuse>", bump,
 			"texture 0"},
-		{"<diffuse><bump><constant>0.001</constant></bump></diffuse>", bump, "constant 0.001"},
 		{"<specular><internal_medium_uid>1</internal_medium_uid><transparent>false</transparent><displacement_map>" + in_place_b +
 				"</displacement_map></specular>",
 			displacement, "texture 0"},
@@ -296,9 +287,6 @@ TEST(MaterialParser, OldFormsAndTheirPriority)
 		{"<phong><exponent><constant>50</constant></exponent></phong>", phong_exponent, "constant 50"},
 		{"<phong/>", phong_exponent, "constant 5000"},
 		{"<phong><fresnel_scale>0.5</fresnel_scale></phong>", fresnel_scale, "constant 0.5"},
-		{"<phong/>", fresnel_scale, "null"},
-		{"<glossy_transparent><internal_medium_uid>1</internal_medium_uid><exponent>20</exponent></glossy_transparent>",
-			glossy_exponent, "constant 20"},
 		{"<blend>" + targets + "<blend>" + uniform_half + "</blend><blend_map>" + in_place_b +
 				"</blend_map><blend_factor>0.25</blend_factor></blend>",
 			blend, "constant 0.25"},
@@ -312,11 +300,6 @@ TEST(MaterialParser, OldFormsAndTheirPriority)
 		const Reference<Material> m = parse(material(c.type_element));
 		EXPECT_EQ(c.channel(*m), c.expected);
 	}
-
-	const Reference<Material> both =
-		parse(material("<diffuse>" + texture_a + "<bump_map>" + in_place_b + "</bump_map></diffuse>"));
-	EXPECT_EQ(texturePaths(*both), "a.png b.png");
-	EXPECT_EQ(describe(both.downcast<DiffuseMaterial>()->bump), "texture 1");
 }
 
 TEST(MaterialParser, ChannelForms)
@@ -329,8 +312,7 @@ TEST(MaterialParser, ChannelForms)
 			{"<c>" + index_one + "</c>", "texture 1"},
 			{"<c>" + program + "</c>", "shader return 1;"},
 			{"<albedo/>", "Failed to find child for element 'albedo' - Child should be one of 'constant', 'texture', 'shader'.  "
-						  "(In element "
-						  "'albedo', around line 1, column 1)"},
+						  "(In element 'albedo', around line 1, column 1)"},
 			{"<c><constant/></c>",
 				"Failed to find child for element 'constant' - Child should be one of 'rgb', 'blackbody', 'peak', "
 				"'uniform', 'regular_tabulated'.  (In element 'constant', around line 1, column 4)"},
@@ -346,12 +328,10 @@ TEST(MaterialParser, ChannelForms)
 		[](const TiXmlElement& e) { return describe(parseWavelengthIndependentParam(e, "", 2)); });
 	expectReads(
 		{
-			{"<c><constant>\n\t0.001\n</constant></c>", "constant 0.001"},
 			{"<c>" + program + "</c>", "shader return 1;"},
 			{"<bump><constant>1</constant>" + index_one + "</bump>",
 				"Found unexpected element 'texture,  already parsed mutually exclusive element 'constant'.  (In element 'bump', "
-				"around "
-				"line 1, column 1)"},
+				"around line 1, column 1)"},
 		},
 		[](const TiXmlElement& e) { return describe(parseDisplacementParam(e, "", 2)); });
 	expectReads(
@@ -377,18 +357,8 @@ TEST(MaterialParser, TextureIndexMustNameATexture)
 	EXPECT_EQ(read("0", 1), "(no failure)");
 	EXPECT_EQ(read("1", 1),
 		"Texture index '1' is out of bounds: this material has 1 textures.  (In element 'texture', around line 2, column 1)");
-	EXPECT_EQ(read("0", 0),
-		"Texture index '0' is out of bounds: this material has 0 textures.  (In element 'texture', around line 2, column 1)");
 	EXPECT_EQ(read("-1", 3),
 		"Texture index '-1' is out of bounds: this material has 3 textures.  (In element 'texture', around line 2, column 1)");
-
-	// In a material the count is that of its texture elements.
-	expectMaterialFailures({
-		{"<material>\n<name>M</name>\n<diffuse>\n<texture><path>a.png</path></texture>\n<albedo>\n<texture>\n<texture_index>1</"
-		 "texture_index>\n"
-		 "</texture>\n</albedo>\n</diffuse>\n</material>",
-			"Texture index '1' is out of bounds: this material has 1 textures.  (In element 'texture', around line 6, column 1)"},
-	});
 }
 
 TEST(MaterialParser, Textures)
@@ -396,9 +366,6 @@ TEST(MaterialParser, Textures)
 	XMLText plain("<texture><path>maps/wood.png</path></texture>");
 	const Texture wood = parseTexture(plain.root(), "scenes");
 	EXPECT_EQ(wood.path.str(), FileUtils::join("scenes", "maps/wood.png"));
-	// Without an exponent a texture is linear, unlike a new Texture.
-	EXPECT_EQ(wood.exponent, 1);
-	EXPECT_EQ(Texture().exponent, 2.2);
 
 	XMLText absolute("<texture><path>/abs/a.png</path><tex_coord_generation><uv/></tex_coord_generation></texture>");
 	const Texture a = parseTexture(absolute.root(), "scenes");
@@ -429,8 +396,7 @@ TEST(MaterialParser, ShaderInfoAndParams)
 		"<param><int><name>steps</name><description></description><min>-3</min><max>8</max><value>4</value></int></param>"
 		"<texture><path>t.png</path></texture>"
 		"<param><colour3><name>tint</name><description><![CDATA[  padded]]></description><value>1 0.5 0</value></colour3></param>"
-		"<shader><![CDATA[def eval() real : paramgain()]]></shader>"
-		"</shader>");
+		"<shader><![CDATA[def eval() real : paramgain()]]></shader></shader>");
 	const Reference<ShaderInfo> info = parseShaderInfo(doc.root(), "lib_dir");
 	EXPECT_EQ(info->shader.str(), "def eval() real : paramgain()");
 	ASSERT_EQ(info->includes.size(), 1u);
@@ -472,7 +438,6 @@ TEST(MaterialParser, Spectra)
 			{"<c><peak><peak_min>4e-7</peak_min><peak_width>5e-8</peak_width><peak_value>2</peak_value><base_value>0</"
 			 "base_value></peak></c>",
 				"peak 4e-7 5e-8 2 0"},
-			{"<c><uniform><value>-0</value></uniform></c>", "uniform 0"},
 			{regular("4e-7", "7e-7", "3", "0.1 0.5 1e21 "), "regular 4e-7 7e-7 3: 0.1 0.5 1e21"},
 			{regular("0.4e-6", "0.7e-6", "2", "\n1\n2\n"), "regular 4e-7 7e-7 2: 1 2"},
 			{regular("4e-7", "7e-7", "1", "1"), "num_values must be >= 2."},
@@ -481,7 +446,6 @@ TEST(MaterialParser, Spectra)
 			// The message of the end names the start.
 			{regular("4e-7", "6.9e-7", "2", "1 2"), "start_wavelength must be <= 0.7e-6 m (700 nm)."},
 			{regular("4e-7", "7e-7", "3", "1 2"), "Syntax error while parsing data."},
-			{regular("4e-7", "7e-7", "3", "1 x 3"), "Syntax error while parsing data."},
 			{regular("4e-7", "7e-7", "2", "1,2"), "Syntax error while parsing data."},
 			{regular("4e-7", "7e-7", "2", "1 2 3"), "Syntax error while parsing data."},
 			{"<c><regular_tabulated><end_wavelength>7e-7</end_wavelength></regular_tabulated></c>",
@@ -516,12 +480,10 @@ TEST(MaterialParser, TabulatedData)
 			{table("5e-7", "7e-7", "2", "2", "1 2 3 4"), "start_wavelength must be <= 0.4e-6 m (400 nm)."},
 			{table("4e-7", "6e-7", "2", "2", "1 2 3 4"), "end_wavelength must be >= 0.7e-6 m (700 nm)."},
 			{table("4e-7", "7e-7", "2", "2", "1 2 3"), "Reached end of string while parsing data."},
-			{table("4e-7", "7e-7", "2", "2", "1 2 3 "), "Reached end of string while parsing data."},
 			{table("4e-7", "7e-7", "2", "2", "1 2 x 4"), "Syntax error while parsing data."},
 			{table("4e-7", "7e-7", "2", "2", "1 2 3 4\n"), "(no failure)"},
 			{table("4e-7", "7e-7", "2", "2", "1 2 3 4x"), "Syntax error while parsing data."},
 			{table("4e-7", "7e-7", "2", "2", "1 2 3 4 5"), "Syntax error while parsing data."},
-			{table("4e-7", "7e-7", "2", "2", "1 2 3x 4"), "Syntax error while parsing data."},
 			{"<t><start_wavelength>4e-7</start_wavelength><end_wavelength>7e-7</end_wavelength><num_rows>2</num_rows></t>",
 				"could not find element 'num_columns'.  (In element 't', around line 1, column 1)"},
 		},
@@ -548,17 +510,11 @@ TEST(MaterialParser, LargeCountsInSmallTextsAllocateLittle)
 	EXPECT_LT(VelornTest::largestAllocation(), 4096u);
 }
 
+// References by name resolve to the node and leave the UID invalid; their
+// binding comes back in the round trips of the _names files.
 TEST(MaterialParser, MediumReferences)
 {
 	const ParseNames names = namesOf({}, {"Water"});
-	const Reference<SpecularMaterial> glass = parse(material("<specular><internal_medium_name>Water</internal_medium_name>"
-															 "<transparent>true</transparent></specular>"),
-		names)
-												  .downcast<SpecularMaterial>();
-	EXPECT_EQ(glass->internal_medium.getPointer(), names.medium_names.find("Water")->getPointer());
-	EXPECT_FALSE(glass->internal_medium_uid.valid());
-	EXPECT_TRUE(glass->transparent);
-
 	const Reference<GlossyTransparent> frosted =
 		parse(material("<glossy_transparent><internal_medium_uid>3</internal_medium_uid></glossy_transparent>"))
 			.downcast<GlossyTransparent>();
@@ -571,74 +527,49 @@ TEST(MaterialParser, MediumReferences)
 	EXPECT_TRUE(leaf->internal_medium.isNull());
 	EXPECT_FALSE(leaf->internal_medium_uid.valid());
 
+	// Names are case-sensitive; every kind words the failure as specular.
 	expectMaterialFailures(
 		{
-			{material("<diffuse_transmitter><internal_medium_name>Fog</internal_medium_name></diffuse_transmitter>"),
-				"Error while loading specular: medium with name 'Fog' not already defined in scene file.  (In element "
-				"'diffuse_transmitter', around line 1, column 25)"},
-			{material("<glossy_transparent><internal_medium_name>Fog</internal_medium_name></glossy_transparent>"),
-				"Error while loading specular: medium with name 'Fog' not already defined in scene file.  (In element "
-				"'glossy_transparent', around line 1, column 25)"},
-			{material("<specular><internal_medium_name>water</internal_medium_name><transparent>true</transparent></specular>"),
+			{material("<diffuse_transmitter><internal_medium_name>water</internal_medium_name></diffuse_transmitter>"),
 				"Error while loading specular: medium with name 'water' not already defined in scene file.  (In element "
-				"'specular', "
-				"around line 1, column 25)"},
-			{material("<specular><transparent>true</transparent></specular>"),
-				"could not find element 'internal_medium_name'.  (In element 'specular', around line 1, column 25)"},
+				"'diffuse_transmitter', around line 1, column 25)"},
 			{material("<glossy_transparent/>"),
 				"could not find element 'internal_medium_name'.  (In element 'glossy_transparent', around line 1, column 25)"},
 		},
 		names);
 }
 
-// A name refers to a material that stands before in the file; the reference
-// is then direct and the UID stays invalid.
+// A name refers to a material that stands before in the file.
 TEST(MaterialParser, MaterialNamesReferBackwards)
 {
 	const ParseNames names = namesOf({"Red", "Blue"}, {});
-	const SceneNodeMaterial* red = names.material_names.find("Red")->getPointer();
-	const SceneNodeMaterial* blue = names.material_names.find("Blue")->getPointer();
-
 	const Reference<BlendMaterial> mix =
 		parse(material("<blend><a_name>Red</a_name><b_mat_uid>7</b_mat_uid></blend>"), names).downcast<BlendMaterial>();
-	EXPECT_EQ(mix->a_mat.getPointer(), red);
+	EXPECT_EQ(mix->a_mat.getPointer(), names.material_names.find("Red")->getPointer());
 	EXPECT_FALSE(mix->a_mat_uid.valid());
 	EXPECT_TRUE(mix->b_mat.isNull());
 	EXPECT_EQ(mix->b_mat_uid, UID(7));
-
-	const Reference<SumMaterial> sum = parse(
-		material(
-			"<sum><texture><path>a</path></texture><mat><mat_name>Blue</mat_name><weight><constant>0.25</constant></weight></mat>"
-			"<mat><mat_uid>6</mat_uid><weight><texture><texture_index>0</texture_index></texture></weight></mat></sum>"),
+	// A sum's lists stay side by side when names and UIDs mix.
+	const Reference<SumMaterial> sum = parse(material("<sum><mat><mat_name>Blue</mat_name><weight><constant>1</constant></weight></mat>"
+														  "<mat><mat_uid>6</mat_uid><weight><constant>1</constant></weight></mat></sum>"),
 		names)
 										   .downcast<SumMaterial>();
 	ASSERT_EQ(sum->materials.size(), 2u);
 	ASSERT_EQ(sum->mat_uids.size(), 2u);
-	ASSERT_EQ(sum->weights.size(), 2u);
-	EXPECT_EQ(sum->materials[0].getPointer(), blue);
-	EXPECT_FALSE(sum->mat_uids[0].valid());
+	EXPECT_EQ(sum->materials[0].getPointer(), names.material_names.find("Blue")->getPointer());
 	EXPECT_TRUE(sum->materials[1].isNull());
 	EXPECT_EQ(sum->mat_uids[1], UID(6));
-	EXPECT_EQ(describe(sum->weights[0]), "constant 0.25");
-	EXPECT_EQ(describe(sum->weights[1]), "texture 0");
-
-	const Reference<CoatingMaterial> coat =
-		parse(material("<coating><substrate_material_name>Red</substrate_material_name></coating>"), names)
-			.downcast<CoatingMaterial>();
-	EXPECT_EQ(coat->substrate_material.getPointer(), red);
-
+	// Read by name on both sides, which no round trip of a written file does.
 	const Reference<DoubleSidedThinMaterial> sheet = parse(
 		material("<double_sided_thin><front_material_name>Red</front_material_name><back_material_name>Blue</back_material_name>"
 				 "</double_sided_thin>"),
 		names)
 														 .downcast<DoubleSidedThinMaterial>();
-	EXPECT_EQ(sheet->front_material.getPointer(), red);
-	EXPECT_EQ(sheet->back_material.getPointer(), blue);
+	EXPECT_EQ(sheet->front_material.getPointer(), mix->a_mat.getPointer());
+	EXPECT_EQ(sheet->back_material.getPointer(), names.material_names.find("Blue")->getPointer());
 
 	expectMaterialFailures(
 		{
-			{material("<blend><a_name>Green</a_name><b_name>Red</b_name></blend>"),
-				"Material 'Green' is not defined.   (In element 'blend', around line 1, column 25)"},
 			{material("<blend><a_name>Red</a_name><b_name>Green</b_name></blend>"),
 				"Material 'Green' is not defined.   (In element 'blend', around line 1, column 25)"},
 			{material("<sum>\n<mat><mat_name>Green</mat_name><weight><constant>1</constant></weight></mat></sum>"),
@@ -647,14 +578,6 @@ TEST(MaterialParser, MaterialNamesReferBackwards)
 				"Failed to find expected element 'weight'.  (In element 'mat', around line 2, column 1)"},
 			{material("<sum>\n<mat><mat_uid>1</mat_uid><weight><constant>1</constant></weight><scale/></mat></sum>"),
 				"Found unexpected element 'scale'.  (In element 'mat', around line 2, column 1)"},
-			{material("<coating><substrate_material_name>Green</substrate_material_name></coating>"),
-				"Material 'Green' is not defined.   (In element 'coating', around line 1, column 25)"},
-			{material(
-				 "<double_sided_thin><front_material_uid>1</front_material_uid><back_material_name>Green</back_material_name>"
-				 "</double_sided_thin>"),
-				"Material 'Green' is not defined.   (In element 'double_sided_thin', around line 1, column 25)"},
-			{material("<blend><b_name>Red</b_name></blend>"),
-				"could not find element 'a_name'.  (In element 'blend', around line 1, column 25)"},
 		},
 		names);
 }
@@ -718,35 +641,34 @@ TEST(MaterialParser, Media)
 		XMLText doc(xml);
 		return parseMedium(doc.root(), "", uid);
 	};
+	const std::string coefficients = "<ior>1</ior><cauchy_b_coeff>0</cauchy_b_coeff>";
+	const std::string basic = "<basic>" + coefficients +
+		"<absorption_coefficient_spectrum><uniform><value>1</value></uniform></absorption_coefficient_spectrum>";
+	const auto scattering = [](const std::string& phase_function) {
+		return "<subsurface_scattering><scattering_coefficient_spectrum><uniform><value>20</value></uniform>"
+			   "</scattering_coefficient_spectrum>" + phase_function + "</subsurface_scattering>";
+	};
+	// A medium without precedence has 2, not the class's default of 10.
 	UID uid;
-	const std::string basic =
-		"<basic><ior>1.33</ior><cauchy_b_coeff>0.01</cauchy_b_coeff>"
-		"<absorption_coefficient_spectrum><uniform><value>3</value></uniform></absorption_coefficient_spectrum></basic>";
-	// A medium without precedence has 2, though a new one has 10.
-	const Reference<BasicMedium> water = read("<medium><name>Water</name>" + basic + "</medium>", uid).downcast<BasicMedium>();
+	const Reference<BasicMedium> water = read("<medium><name>Water</name>" + basic + "</basic></medium>", uid).downcast<BasicMedium>();
 	EXPECT_EQ(water->precedence, 2);
-	EXPECT_EQ(BasicMedium().precedence, 10);
 	EXPECT_EQ(water->name, "Water");
 	EXPECT_FALSE(uid.valid());
 	EXPECT_EQ(water->step_size, 0.1);
-	EXPECT_EQ(describe(water->absorption_coefficient.downcast<ConstantVolumeParam>()->spectrum), "uniform 3");
-	EXPECT_TRUE(water->subsurface_scattering.isNull());
 
-	// The other types and the full basic medium come back in the round trips
-	// of the medium files. Here: the type is found by the order of the
-	// search, and a spectrum in a scattering coefficient.
-	const Reference<Medium> skin = read(
-		"<medium><uid>4</uid><name>Skin</name><atmosphere/><basic><ior>1.4</ior><cauchy_b_coeff>0</cauchy_b_coeff>"
-		"<absorption_coefficient_spectrum><uniform><value>1</value></uniform></absorption_coefficient_spectrum>"
-		"<subsurface_scattering><scattering_coefficient_spectrum><uniform><value>20</value></uniform>"
-		"</scattering_coefficient_spectrum><phase_function><uniform/></phase_function></subsurface_scattering></basic></medium>",
+	// The full media come back in the round trips of the medium files. Here:
+	// the type is found by the order of the search, and a spectrum in a
+	// scattering coefficient.
+	const Reference<Medium> skin = read("<medium><uid>4</uid><name>Skin</name><atmosphere/>" + basic +
+			scattering("<phase_function><uniform/></phase_function>") + "</basic></medium>",
 		uid);
 	EXPECT_EQ(uid, UID(4));
-	const Reference<SubsurfaceScattering> scattering = skin.downcast<BasicMedium>()->subsurface_scattering;
-	EXPECT_EQ(describe(scattering->scattering_coefficient.downcast<ConstantVolumeParam>()->spectrum), "uniform 20");
-	EXPECT_EQ(scattering->phase_function->getType(), 0u);
+	const Reference<SubsurfaceScattering> skin_scattering = skin.downcast<BasicMedium>()->subsurface_scattering;
+	EXPECT_EQ(describe(skin_scattering->scattering_coefficient.downcast<ConstantVolumeParam>()->spectrum), "uniform 20");
+	EXPECT_EQ(skin_scattering->phase_function->getType(), 0u);
 
-	const std::string coefficients = "<ior>1</ior><cauchy_b_coeff>0</cauchy_b_coeff>";
+	const char* const no_phase_function =
+		"No phase function defined for medium.  (In element 'subsurface_scattering', around line 2, column 1)";
 	expectReads(
 		{
 			{"<medium><name>M</name></medium>", "Medium type not found.   (In element 'medium', around line 1, column 1)"},
@@ -756,28 +678,15 @@ TEST(MaterialParser, Media)
 				"could not find element 'cauchy_b_coeff'.  (In element 'basic', around line 1, column 23)"},
 			{"<medium><name>M</name><basic>" + coefficients + "</basic></medium>",
 				"Failed to find expected element 'absorption_coefficient'.  (In element 'basic', around line 1, column 23)"},
-			{"<medium><name>M</name><basic>" + coefficients +
-					"<absorption_coefficient_spectrum><uniform><value>1</value></uniform>"
-					"</"
-					"absorption_coefficient_spectrum><subsurface_scattering><scattering_coefficient_spectrum><uniform><value>1</"
-					"value>"
-					"</uniform></scattering_coefficient_spectrum></subsurface_scattering></basic></medium>",
-				"No phase function defined for medium.  (In element 'subsurface_scattering', around line 1, column 178)"},
-			{"<medium><name>M</name><basic>" + coefficients +
-					"<absorption_coefficient_spectrum><uniform><value>1</value></uniform>"
-					"</"
-					"absorption_coefficient_spectrum>\n<subsurface_scattering><scattering_coefficient_spectrum><uniform><value>1<"
-					"/value>"
-					"</uniform></scattering_coefficient_spectrum><phase_function><isotropic/></phase_function></"
-					"subsurface_scattering>"
+			{"<medium><name>M</name>" + basic + "\n" + scattering("") + "</basic></medium>", no_phase_function},
+			{"<medium><name>M</name>" + basic + "\n" + scattering("<phase_function><isotropic/></phase_function>") +
 					"</basic></medium>",
-				"No phase function defined for medium.  (In element 'subsurface_scattering', around line 2, column 1)"},
+				no_phase_function},
 			{"<medium><name>M</name><dermis/></medium>",
 				"could not find element 'hemoglobin_fraction'.  (In element 'dermis', around line 1, column 23)"},
 			{"<medium><dermis><hemoglobin_fraction>1</hemoglobin_fraction></dermis></medium>",
 				"could not find element 'name'.  (In element 'medium', around line 1, column 1)"},
-			{"<medium><name>M</name><precedence>high</precedence><dermis><hemoglobin_fraction>1</hemoglobin_fraction></dermis></"
-			 "medium>",
+			{"<medium><name>M</name><precedence>high</precedence><dermis><hemoglobin_fraction>1</hemoglobin_fraction></dermis></medium>",
 				"Failed to parse integer from 'high'.  (In element 'precedence', around line 1, column 23)"},
 		},
 		[](const TiXmlElement& e) {

@@ -33,46 +33,22 @@ std::string vectorText(std::initializer_list<double> values)
 	return text;
 }
 
-Reader asDouble(const char* name = "a")
+// Each result as the cases write it: numbers in the scene's form, strings
+// in brackets so that blanks show.
+std::string text(double v) { return sceneNumberText(v); }
+std::string text(int32_t v) { return toString(v); }
+std::string text(uint32_t v) { return toString(v); }
+std::string text(bool v) { return toString(v); }
+std::string text(const std::string& s) { return "[" + s + "]"; }
+std::string text(const Vec2d& v) { return vectorText({v.x, v.y}); }
+std::string text(const Vec3d& v) { return vectorText({v.x, v.y, v.z}); }
+std::string text(const Matrix2d& m) { return vectorText({m.e[0], m.e[1], m.e[2], m.e[3]}); }
+
+// Reads the child called name with parse.
+template <class T>
+Reader as(T (*parse)(const TiXmlElement&, const char*), const char* name = "a")
 {
-	return [name](const TiXmlElement& e) { return sceneNumberText(parseDouble(e, name)); };
-}
-Reader asInt(const char* name = "a")
-{
-	return [name](const TiXmlElement& e) { return toString(parseInt(e, name)); };
-}
-Reader asUInt(const char* name = "a")
-{
-	return [name](const TiXmlElement& e) { return toString(parseUInt(e, name)); };
-}
-Reader asVec2()
-{
-	return [](const TiXmlElement& e) {
-		const Vec2d v = parseVec2(e, "a");
-		return vectorText({v.x, v.y});
-	};
-}
-Reader asVec3()
-{
-	return [](const TiXmlElement& e) {
-		const Vec3d v = parseVec3(e, "a");
-		return vectorText({v.x, v.y, v.z});
-	};
-}
-Reader asMatrix2()
-{
-	return [](const TiXmlElement& e) {
-		const Matrix2d m = parseMatrix2(e, "matrix");
-		return vectorText({m.e[0], m.e[1], m.e[2], m.e[3]});
-	};
-}
-Reader asBool(const char* name = "a")
-{
-	return [name](const TiXmlElement& e) { return toString(parseBool(e, name)); };
-}
-Reader asString(const char* name = "a")
-{
-	return [name](const TiXmlElement& e) { return "[" + parseString(e, name) + "]"; };
+	return [=](const TiXmlElement& e) { return text(parse(e, name)); };
 }
 
 std::string resultOf(const Case& c)
@@ -83,19 +59,14 @@ std::string resultOf(const Case& c)
 	return failure == "(no failure)" ? result : failure;
 }
 
-void runCases(const Case* cases, size_t count)
-{
-	for(size_t i = 0; i < count; ++i)
-	{
-		SCOPED_TRACE(cases[i].xml);
-		EXPECT_EQ(resultOf(cases[i]), cases[i].expected);
-	}
-}
-
 template <size_t N>
 void runCases(const Case (&cases)[N])
 {
-	runCases(cases, N);
+	for(const Case& c : cases)
+	{
+		SCOPED_TRACE(c.xml);
+		EXPECT_EQ(resultOf(c), c.expected);
+	}
 }
 
 } // namespace
@@ -115,23 +86,17 @@ TEST(SceneParseUtils, PlaceOfAnElement)
 TEST(SceneParseUtils, Doubles)
 {
 	const Case cases[] = {
-		{"<p><a>3.5</a></p>", asDouble(), "3.5"},
-		{"<p><a> 3.5 </a></p>", asDouble(), "3.5"},
-		{"<p><a>\t\r\n-1e-7\n\t</a></p>", asDouble(), "-1e-7"},
-		{"<p><a>1<!-- between -->5</a></p>", asDouble(), "15"},
-		{"<p><a><![CDATA[ 2.5 ]]></a></p>", asDouble(), "2.5"},
-		{"<p>\n<a>3.5x</a>\n</p>", asDouble(),
+		{"<p><a>3.5</a></p>", as(parseDouble), "3.5"},
+		{"<p><a> 3.5 </a></p>", as(parseDouble), "3.5"},
+		{"<p><a>\t\r\n-1e-7\n\t</a></p>", as(parseDouble), "-1e-7"},
+		{"<p><a>1<!-- between -->5</a></p>", as(parseDouble), "15"},
+		{"<p><a><![CDATA[ 2.5 ]]></a></p>", as(parseDouble), "2.5"},
+		{"<p>\n<a>3.5x</a>\n</p>", as(parseDouble),
 			"Parse error while parsing double from '3.5x'.  (In element 'a', around line 2, column 1)"},
-		{"<p><a>3.5 x</a></p>", asDouble(),
-			"Parse error while parsing double from '3.5 x'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>1,5</a></p>", asDouble(),
-			"Parse error while parsing double from '1,5'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a></a></p>", asDouble(), "Failed to parse double from ''.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>   </a></p>", asDouble(), "Failed to parse double from ''.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>NaN</a></p>", asDouble(), "Failed to parse double from 'NaN'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>x1</a></p>", asDouble(), "Failed to parse double from 'x1'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>1</a><a>2</a></p>", asDouble(), "1"},
-		{"<p/>", asDouble(), "could not find element 'a'.  (In element 'p', around line 1, column 1)"},
+		{"<p><a></a></p>", as(parseDouble), "Failed to parse double from ''.  (In element 'a', around line 1, column 4)"},
+		{"<p><a>NaN</a></p>", as(parseDouble), "Failed to parse double from 'NaN'.  (In element 'a', around line 1, column 4)"},
+		{"<p><a>1</a><a>2</a></p>", as(parseDouble), "1"},
+		{"<p/>", as(parseDouble), "could not find element 'a'.  (In element 'p', around line 1, column 1)"},
 		{"<p/>", [](const TiXmlElement& e) { return sceneNumberText(parseDoubleWithDefault(e, "a", 7)); }, "7"},
 		{"<p><a>0.5</a></p>", [](const TiXmlElement& e) { return sceneNumberText(parseDoubleWithDefault(e, "a", 7)); }, "0.5"},
 		{"<p><a>x</a></p>", [](const TiXmlElement& e) { return sceneNumberText(parseDoubleWithDefault(e, "a", 7)); },
@@ -143,30 +108,26 @@ TEST(SceneParseUtils, Doubles)
 TEST(SceneParseUtils, Integers)
 {
 	const Case cases[] = {
-		{"<p><a> -42 </a></p>", asInt(), "-42"},
-		{"<p><a>+7</a></p>", asInt(), "7"},
-		{"<p><a>-2147483648</a></p>", asInt(), "-2147483648"},
-		{"<p><a>2147483647</a></p>", asInt(), "2147483647"},
-		{"<p><a>12abc</a></p>", asInt(),
+		{"<p><a> -42 </a></p>", as(parseInt), "-42"},
+		{"<p><a>+7</a></p>", as(parseInt), "7"},
+		{"<p><a>-2147483648</a></p>", as(parseInt), "-2147483648"},
+		{"<p><a>2147483647</a></p>", as(parseInt), "2147483647"},
+		{"<p><a>12abc</a></p>", as(parseInt),
 			"Parse error while parsing integer from '12abc'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>1.5</a></p>", asInt(),
-			"Parse error while parsing integer from '1.5'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>2147483648</a></p>", asInt(),
+		{"<p><a>2147483648</a></p>", as(parseInt),
 			"Failed to parse integer from '2147483648'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>-2147483649</a></p>", asInt(),
+		{"<p><a>-2147483649</a></p>", as(parseInt),
 			"Failed to parse integer from '-2147483649'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>99999999999999999999</a></p>", asInt(),
+		{"<p><a>99999999999999999999</a></p>", as(parseInt),
 			"Failed to parse integer from '99999999999999999999'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>-</a></p>", asInt(), "Failed to parse integer from '-'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a></a></p>", asInt(), "Failed to parse integer from ''.  (In element 'a', around line 1, column 4)"},
+		{"<p><a></a></p>", as(parseInt), "Failed to parse integer from ''.  (In element 'a', around line 1, column 4)"},
 		{"<p/>", [](const TiXmlElement& e) { return toString(parseIntWithDefault(e, "a", -3)); }, "-3"},
-		{"<p><a>4294967295</a></p>", asUInt(), "4294967295"},
-		{"<p><a>4294967296</a></p>", asUInt(),
+		{"<p><a>4294967295</a></p>", as(parseUInt), "4294967295"},
+		{"<p><a>4294967296</a></p>", as(parseUInt),
 			"Failed to parse unsigned integer from '4294967296'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>-1</a></p>", asUInt(), "Failed to parse unsigned integer from '-1'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>7 x</a></p>", asUInt(),
+		{"<p><a>7 x</a></p>", as(parseUInt),
 			"Parse error while parsing unsigned integer from '7 x'.  (In element 'a', around line 1, column 4)"},
-		{"<p/>", asUInt(), "could not find element 'a'.  (In element 'p', around line 1, column 1)"},
+		{"<p/>", as(parseUInt), "could not find element 'a'.  (In element 'p', around line 1, column 1)"},
 		{"<p/>", [](const TiXmlElement& e) { return toString(parseUIntWithDefault(e, "a", 9)); }, "9"},
 	};
 	runCases(cases);
@@ -175,26 +136,22 @@ TEST(SceneParseUtils, Integers)
 TEST(SceneParseUtils, Vectors)
 {
 	const Case cases[] = {
-		{"<p><a>0.25 -1</a></p>", asVec2(), "0.25 -1"},
-		{"<p><a>1</a></p>", asVec2(), "Failed to parse Vec2 from '1'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>1 2 3</a></p>", asVec2(),
+		{"<p><a>0.25 -1</a></p>", as(parseVec2), "0.25 -1"},
+		{"<p><a>1</a></p>", as(parseVec2), "Failed to parse Vec2 from '1'.  (In element 'a', around line 1, column 4)"},
+		{"<p><a>1 2 3</a></p>", as(parseVec2),
 			"Parse error while parsing Vec2 from '1 2 3'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a> 1\t2\n3 </a></p>", asVec3(), "1 2 3"},
-		{"<p><a>1 2</a></p>", asVec3(), "Failed to parse Vec3 from '1 2'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>1 x 3</a></p>", asVec3(), "Failed to parse Vec3 from '1 x 3'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>1,2,3</a></p>", asVec3(), "Failed to parse Vec3 from '1,2,3'.  (In element 'a', around line 1, column 4)"},
+		{"<p><a> 1\t2\n3 </a></p>", as(parseVec3), "1 2 3"},
+		{"<p><a>1 2</a></p>", as(parseVec3), "Failed to parse Vec3 from '1 2'.  (In element 'a', around line 1, column 4)"},
 		// The numbers must be separated by white space.
-		{"<p><a>1-2 3</a></p>", asVec3(), "Failed to parse Vec3 from '1-2 3'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>1 2 3 4</a></p>", asVec3(),
+		{"<p><a>1-2 3</a></p>", as(parseVec3), "Failed to parse Vec3 from '1-2 3'.  (In element 'a', around line 1, column 4)"},
+		{"<p><a>1 2 3 4</a></p>", as(parseVec3),
 			"Parse error while parsing Vec3 from '1 2 3 4'.  (In element 'a', around line 1, column 4)"},
-		{"<p><a>1 2 3x</a></p>", asVec3(),
-			"Parse error while parsing Vec3 from '1 2 3x'.  (In element 'a', around line 1, column 4)"},
-		{"<uv><matrix>2 0 0 0.5</matrix></uv>", asMatrix2(), "2 0 0 0.5"},
-		{"<uv><matrix>2 0 0</matrix></uv>", asMatrix2(),
+		{"<uv><matrix>2 0 0 0.5</matrix></uv>", as(parseMatrix2, "matrix"), "2 0 0 0.5"},
+		{"<uv><matrix>2 0 0</matrix></uv>", as(parseMatrix2, "matrix"),
 			"syntax error while parsing Matrix2.  (In element 'matrix', around line 1, column 5)"},
-		{"<uv><matrix>2 0 0 1 5</matrix></uv>", asMatrix2(),
+		{"<uv><matrix>2 0 0 1 5</matrix></uv>", as(parseMatrix2, "matrix"),
 			"syntax error while parsing Matrix2.  (In element 'matrix', around line 1, column 5)"},
-		{"<uv/>", asMatrix2(), "could not find element 'matrix'.  (In element 'uv', around line 1, column 1)"},
+		{"<uv/>", as(parseMatrix2, "matrix"), "could not find element 'matrix'.  (In element 'uv', around line 1, column 1)"},
 	};
 	runCases(cases);
 }
@@ -202,25 +159,20 @@ TEST(SceneParseUtils, Vectors)
 TEST(SceneParseUtils, BooleansAndStrings)
 {
 	const Case cases[] = {
-		{"<p><a>true</a></p>", asBool(), "true"},
-		{"<p><a>false</a></p>", asBool(), "false"},
-		{"<p><a> true</a></p>", asBool(),
-			"Invalid boolean value (Should be 'true' or 'false').  (In element 'a', around line 1, column 4)"},
-		{"<p><a>TRUE</a></p>", asBool(),
-			"Invalid boolean value (Should be 'true' or 'false').  (In element 'a', around line 1, column 4)"},
-		{"<p><a>1</a></p>", asBool(),
+		{"<p><a>true</a></p>", as(parseBool), "true"},
+		{"<p><a>false</a></p>", as(parseBool), "false"},
+		{"<p><a> true</a></p>", as(parseBool),
 			"Invalid boolean value (Should be 'true' or 'false').  (In element 'a', around line 1, column 4)"},
 		{"<p/>", [](const TiXmlElement& e) { return toString(parseBoolWithDefault(e, "a", true)); }, "true"},
 		{"<p><a>false</a></p>", [](const TiXmlElement& e) { return toString(parseBoolWithDefault(e, "a", true)); }, "false"},
-		{"<p><d>Hel<!--comment-->lo</d></p>", asString("d"), "[Hello]"},
-		{"<p><a> keep  it </a></p>", asString(), "[ keep  it ]"},
-		{"<p><a><![CDATA[  two  ]]></a></p>", asString(), "[  two  ]"},
-		{"<p><a>x<![CDATA[<b>]]>y</a></p>", asString(), "[x<b>y]"},
-		{"<p><a>Wood &amp; Oak</a></p>", asString(), "[Wood & Oak]"},
+		{"<p><d>Hel<!--comment-->lo</d></p>", as(parseString, "d"), "[Hello]"},
+		{"<p><a> keep  it </a></p>", as(parseString), "[ keep  it ]"},
+		{"<p><a><![CDATA[  two  ]]></a></p>", as(parseString), "[  two  ]"},
+		{"<p><a>x<![CDATA[<b>]]>y</a></p>", as(parseString), "[x<b>y]"},
+		{"<p><a>Wood &amp; Oak</a></p>", as(parseString), "[Wood & Oak]"},
 		// Text inside a child element is not the element's own.
-		{"<p><a>x<b>inner</b>y</a></p>", asString(), "[xy]"},
-		{"<p><a></a></p>", asString(), "[]"},
-		{"<p/>", asString(), "could not find element 'a'.  (In element 'p', around line 1, column 1)"},
+		{"<p><a>x<b>inner</b>y</a></p>", as(parseString), "[xy]"},
+		{"<p/>", as(parseString), "could not find element 'a'.  (In element 'p', around line 1, column 1)"},
 		{"<p/>", [](const TiXmlElement& e) { return parseStringWithDefault(e, "a", "none"); }, "none"},
 	};
 	runCases(cases);
@@ -312,8 +264,7 @@ TEST(SceneParseUtils, Rotations)
 			"could not find element 'angle'.  (In element 'axis_rotation', around line 1, column 14)"},
 		{"<p><rotation><matrix>1 0 0 0 1 0 0 0 1</matrix><axis_rotation/></rotation></p>", rotation,
 			"Found unexpected element 'axis_rotation,  already parsed mutually exclusive element 'matrix'.  (In element "
-			"'rotation', "
-			"around line 1, column 4)"},
+			"'rotation', around line 1, column 4)"},
 		{"<p><rotation><euler/></rotation></p>", rotation,
 			"Found unexpected element 'euler'.  (In element 'rotation', around line 1, column 4)"},
 		{"<p/>", rotation, "Failed to find expected element 'rotation'.  (In element 'p', around line 1, column 1)"},

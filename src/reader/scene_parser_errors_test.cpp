@@ -65,7 +65,6 @@ TEST(SceneParserErrors, UnexpectedElements)
 {
 	expectFailures({
 		{"camera", camera("  <fov>1</fov>\n"), "Found unexpected element 'fov'." + place("camera", 1, 1)},
-		{"settings key of no table", settings("  <x>1e21</x>\n"), "Found unexpected element 'x'." + place("renderer_settings", 1, 1)},
 		{"metadata", "<metadata>\n  <owner>me</owner>\n</metadata>", "Found unexpected element 'owner'." + place("metadata", 1, 1)},
 		{"old model names no materials", "<model>\n  <material_name>A</material_name>\n</model>",
 			"Found unexpected element 'material_name'." + place("model", 1, 1)},
@@ -99,8 +98,6 @@ TEST(SceneParserErrors, MutualExclusion)
 			"Found unexpected element 'sharp,  already parsed mutually exclusive element 'gaussian'." + place("downsize_filter", 2, 3)},
 		{"two tone mappings", "<tonemapping>\n  <linear><scale>1</scale></linear>\n  <reinhard/>\n</tonemapping>",
 			"Found unexpected element 'reinhard,  already parsed mutually exclusive element 'linear'." + place("tonemapping", 1, 1)},
-		{"no tone mapping", "<tonemapping>\n  <name>T</name>\n</tonemapping>",
-			"Error parsing tone mapping: Failed to find tonemapping child." + place("tonemapping", 1, 1)},
 		{"no environment", "<env_map>\n  <name>E</name>\n</env_map>",
 			"Failed to find child for element 'env_map' - Child should be one of 'latlong', 'spherical'." + place("env_map", 1, 1)},
 	});

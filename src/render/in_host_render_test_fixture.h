@@ -95,33 +95,23 @@ class InHostRender : public testing::Test
 protected:
 	static void SetUpTestSuite()
 	{
-		if(!PluginRegistry::get().find(ID_VIDEO_POST))
-		{
-			ASSERT_TRUE(RegisterVelornVideoPost());
-		}
 		// The scenes' cameras carry the plug-in's camera tag and their balls
 		// host materials, which the export converts into the plug-in's:
 		// both register under names of the module's resources.
 		ASSERT_TRUE(HostResources::get().init(Filename(String(VelornTest::testDataPath("../src/host")))))
 			<< HostResources::get().error().GetStdString();
-		if(!PluginRegistry::get().find(ID_CAMERA_TAG))
-		{
-			ASSERT_TRUE(RegisterCameraTag());
-		}
-		if(!PluginRegistry::get().find(ID_VELORN_MATERIAL))
-		{
-			ASSERT_TRUE(RegisterVelornMaterial());
-		}
-		InstallMaterialExport();
 		// Registered once for every suite of the test program.
-		const std::pair<int32_t, bool (*)()> render_plugins[] = {{ID_VELORN_MESSAGE, RegisterVelornMessage},
-			{ID_PAUSE_RENDERING, RegisterPauseRenderingCommand}, {ID_RESUME_RENDERING, RegisterResumeRenderingCommand},
-			{ID_UPDATE_IMAGE, RegisterUpdateImageCommand}, {ID_TONEMAPPING, RegisterTonemapCommand}};
-		for(const auto& plugin : render_plugins)
+		const std::pair<int32_t, bool (*)()> plugins[] = {{ID_VIDEO_POST, RegisterVelornVideoPost},
+			{ID_CAMERA_TAG, RegisterCameraTag}, {ID_VELORN_MATERIAL, RegisterVelornMaterial},
+			{ID_VELORN_MESSAGE, RegisterVelornMessage}, {ID_PAUSE_RENDERING, RegisterPauseRenderingCommand},
+			{ID_RESUME_RENDERING, RegisterResumeRenderingCommand}, {ID_UPDATE_IMAGE, RegisterUpdateImageCommand},
+			{ID_TONEMAPPING, RegisterTonemapCommand}};
+		for(const auto& plugin : plugins)
 			if(!PluginRegistry::get().find(plugin.first))
 			{
-				ASSERT_TRUE(plugin.second());
+				ASSERT_TRUE(plugin.second()) << plugin.first;
 			}
+		InstallMaterialExport();
 	}
 
 	static void TearDownTestSuite()
@@ -204,10 +194,10 @@ protected:
 		return doc;
 	}
 
-	// Renders doc on this thread into bitmap; the render's result.
-	int32_t render(BaseDocument* doc, BaseBitmap& bitmap)
+	// Renders doc on this thread into bitmap, if any; the render's result.
+	int32_t render(BaseDocument* doc, BaseBitmap* bitmap = nullptr)
 	{
-		return RenderDocument(doc, *doc->GetActiveRenderData()->GetDataInstance(), &bitmap, 0, nullptr);
+		return RenderDocument(doc, *doc->GetActiveRenderData()->GetDataInstance(), bitmap, 0, nullptr);
 	}
 
 	// Fixes the host's timer and random seed, so that the seed a render

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
 
 namespace
@@ -57,6 +58,13 @@ struct RenderScene
 		settings->setFlags(0);
 	}
 };
+
+void expectNear(const Velorn::Vec3d& actual, const Velorn::Vec3d& expected, double tolerance)
+{
+	EXPECT_NEAR(actual.x, expected.x, tolerance);
+	EXPECT_NEAR(actual.y, expected.y, tolerance);
+	EXPECT_NEAR(actual.z, expected.z, tolerance);
+}
 
 class TonemapDialogTest : public testing::Test
 {
@@ -112,32 +120,25 @@ TEST_F(TonemapDialogTest, WithoutARenderShowsTheDefaultsAndChangesGoNowhere)
 {
 	ASSERT_TRUE(dialog.Open(DLG_TYPE_ASYNC));
 	EXPECT_EQ(whole(TM_TYPE), TM_TYPE_REINHARD);
-	struct Expected
-	{
-		int32_t id;
-		double value, slider_min, slider_max, step, min, max;
+	// Each gadget's value, slider minimum and maximum, step, and hard
+	// minimum and maximum.
+	using Numbers = std::array<double, 6>;
+	const std::pair<int32_t, Numbers> reals[] = {
+		{TM_LINEAR_SCALE, {1.0, 0, 10, 0.1, 0, 1000000}},
+		{TM_PRE_SCALE, {4.0, 0, 10, 0.1, 0, 100000}},
+		{TM_POST_SCALE, {1.0, 0, 10, 0.1, 0, 100000}},
+		{TM_BURN, {6.0, 1.001, 10, 0.1, 1.001, 100000}},
+		{TM_FILM_ISO, {200, 0.001, 200, 1, 0.001, 100000}},
+		{TM_EV_ADJUST, {4.0, -10, 10, 0.1, -100000, 100000}},
+		{TM_WHITE_X, {0.333, 0.24, 0.46, 0.01, 0.24, 0.46}},
+		{TM_WHITE_Y, {0.333, 0.24, 0.46, 0.01, 0.24, 0.46}},
 	};
-	const Expected reals[] = {
-		{TM_LINEAR_SCALE, 1.0, 0, 10, 0.1, 0, 1000000},
-		{TM_PRE_SCALE, 4.0, 0, 10, 0.1, 0, 100000},
-		{TM_POST_SCALE, 1.0, 0, 10, 0.1, 0, 100000},
-		{TM_BURN, 6.0, 1.001, 10, 0.1, 1.001, 100000},
-		{TM_FILM_ISO, 200, 0.001, 200, 1, 0.001, 100000},
-		{TM_EV_ADJUST, 4.0, -10, 10, 0.1, -100000, 100000},
-		{TM_WHITE_X, 0.333, 0.24, 0.46, 0.01, 0.24, 0.46},
-		{TM_WHITE_Y, 0.333, 0.24, 0.46, 0.01, 0.24, 0.46},
-	};
-	for(const Expected& e : reals)
+	for(const auto& e : reals)
 	{
-		SCOPED_TRACE(e.id);
-		const DialogItem* item = dialog.FindItem(e.id);
+		SCOPED_TRACE(e.first);
+		const DialogItem* item = dialog.FindItem(e.first);
 		ASSERT_NE(item, nullptr);
-		EXPECT_EQ(real(e.id), e.value);
-		EXPECT_EQ(item->sliderMin, e.slider_min);
-		EXPECT_EQ(item->sliderMax, e.slider_max);
-		EXPECT_EQ(item->step, e.step);
-		EXPECT_EQ(item->min, e.min);
-		EXPECT_EQ(item->max, e.max);
+		EXPECT_EQ((Numbers{real(e.first), item->sliderMin, item->sliderMax, item->step, item->min, item->max}), e.second);
 	}
 	EXPECT_EQ(whole(TM_RESPONSE), 0);
 	EXPECT_EQ(whole(TM_WHITE_PRESET), 0);
@@ -169,15 +170,12 @@ TEST_F(TonemapDialogTest, ReadsTheRenderNodesAndWritesEveryChangeWithItsMark)
 	scene.start();
 	ASSERT_TRUE(dialog.Open(DLG_TYPE_ASYNC));
 	EXPECT_EQ(whole(TM_TYPE), TM_TYPE_REINHARD);
-	EXPECT_EQ(real(TM_PRE_SCALE), 2.0);
-	EXPECT_EQ(real(TM_POST_SCALE), 1.5);
-	EXPECT_EQ(real(TM_BURN), 3.0);
-	EXPECT_EQ(real(TM_FILM_ISO), 100);
-	EXPECT_EQ(real(TM_EV_ADJUST), -1.5);
+	const std::pair<int32_t, double> shown[] = {{TM_PRE_SCALE, 2.0}, {TM_POST_SCALE, 1.5}, {TM_BURN, 3.0},
+		{TM_FILM_ISO, 100}, {TM_EV_ADJUST, -1.5}, {TM_WHITE_X, 0.3}, {TM_WHITE_Y, 0.31}};
+	for(const auto& gadget : shown)
+		EXPECT_EQ(real(gadget.first), gadget.second) << gadget.first;
 	// Back slashes and case do not matter.
 	EXPECT_EQ(whole(TM_RESPONSE), 30);
-	EXPECT_EQ(real(TM_WHITE_X), 0.3);
-	EXPECT_EQ(real(TM_WHITE_Y), 0.31);
 	ASSERT_EQ(layerGroups(), (std::vector<int32_t>{TM_LAYER_GROUP, TM_LAYER_GROUP + 1}));
 	EXPECT_EQ(dialog.FindItem(TM_LAYER_GROUP + 1)->label, String("Sky"));
 	bool on = false;
@@ -284,20 +282,16 @@ TEST_F(TonemapDialogTest, LayerGadgetsSetTheLayerScalesInXYZ)
 	ASSERT_TRUE(dialog.Open(DLG_TYPE_ASYNC));
 	// White at brightness 1 passes through XYZ and comes back as 1.
 	EXPECT_EQ(set(TM_LAYER_COLOUR + 0, "1,1,1,1"), "");
-	const Velorn::Vec3d white = scene.settings->layer_settings[0]->xyz;
-	EXPECT_NEAR(white.x, 1, 1e-5);
-	EXPECT_NEAR(white.y, 1, 1e-5);
-	EXPECT_NEAR(white.z, 1, 1e-5);
+	expectNear(scene.settings->layer_settings[0]->xyz, Velorn::Vec3d(1, 1, 1), 1e-5);
 	EXPECT_EQ(scene.settings->layer_settings[0]->name, "Sun");
 
 	// Red at brightness 2: w = M^-1 (1, 1, 1) has the red component
 	// 3.2404542 - 1.5371385 - 0.4985314 = 1.2047843; raised to 1/2.2 and back
 	// to 2.2 it stays, so the scale is 2 * 1.2047843 times M's first column.
 	EXPECT_EQ(set(TM_LAYER_COLOUR + 1, "1,0,0,2"), "");
-	const Velorn::Vec3d red = scene.settings->layer_settings[1]->xyz;
-	EXPECT_NEAR(red.x, 2 * 1.2047843 * 0.4124564, 1e-4);
-	EXPECT_NEAR(red.y, 2 * 1.2047843 * 0.2126729, 1e-4);
-	EXPECT_NEAR(red.z, 2 * 1.2047843 * 0.0193339, 1e-4);
+	const double scale = 2 * 1.2047843;
+	expectNear(scene.settings->layer_settings[1]->xyz,
+		Velorn::Vec3d(scale * 0.4124564, scale * 0.2126729, scale * 0.0193339), 1e-4);
 
 	// Unticked, a layer gives no light whatever its colour.
 	EXPECT_EQ(set(TM_LAYER_ENABLED + 1, "off"), "");

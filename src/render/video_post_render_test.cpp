@@ -19,8 +19,7 @@ TEST_F(InHostRender, HaltsJustOverTheSamplesAndCleansUp)
 	ASSERT_EQ(load_code, 0) << load_error;
 	BaseDocument* doc = document(40, 4);
 	BaseBitmap bitmap;
-	const int32_t result = RenderDocument(doc, *doc->GetActiveRenderData()->GetDataInstance(), &bitmap, 0, nullptr);
-	EXPECT_EQ(result, RENDERRESULT_OK);
+	EXPECT_EQ(render(doc, &bitmap), RENDERRESULT_OK);
 	EXPECT_EQ(messages(), std::vector<String>{});
 	// The render ends at the first poll that sees more than 4 samples per
 	// pixel; the renderer halts itself right after the fifth pass.
@@ -47,7 +46,7 @@ TEST_F(InHostRender, PictureEqualsTheExecutablesOfTheSameSceneAndSeed)
 	const int32_t seed = fixRenderSeed();
 	BaseDocument* doc = document(40, 4);
 	BaseBitmap in_host;
-	ASSERT_EQ(render(doc, in_host), RENDERRESULT_OK);
+	ASSERT_EQ(render(doc, &in_host), RENDERRESULT_OK);
 	ASSERT_EQ(in_host.GetBw(), 40);
 	ASSERT_EQ(in_host.GetBh(), 24);
 
@@ -98,8 +97,8 @@ TEST_F(InHostRender, RedBallIsRedWhereItIsAndTheSkyIsLeftAlone)
 	ASSERT_EQ(load_code, 0) << load_error;
 	fixRenderSeed();
 	BaseBitmap ball, sky;
-	ASSERT_EQ(render(document(48, 2, Ball::Red), ball), RENDERRESULT_OK);
-	ASSERT_EQ(render(document(48, 2, Ball::None), sky), RENDERRESULT_OK);
+	ASSERT_EQ(render(document(48, 2, Ball::Red), &ball), RENDERRESULT_OK);
+	ASSERT_EQ(render(document(48, 2, Ball::None), &sky), RENDERRESULT_OK);
 	ASSERT_EQ(ball.GetBw(), 48);
 	ASSERT_EQ(sky.GetBw(), 48);
 
@@ -189,8 +188,7 @@ TEST_F(InHostRender, BadInputsLeaveTheHostRunning)
 		EXPECT_EQ(load_code, Velorn::VelornContext::LOAD_NO_LIBRARY);
 		BaseDocument* doc = document();
 		BaseBitmap bitmap;
-		EXPECT_EQ(RenderDocument(doc, *doc->GetActiveRenderData()->GetDataInstance(), &bitmap, 0, nullptr),
-			RENDERRESULT_OK);
+		EXPECT_EQ(render(doc, &bitmap), RENDERRESULT_OK);
 		RunMainThreadEvents();
 		EXPECT_EQ(messages(), std::vector<String>{});
 		uint16_t r = 1, g = 1, b = 1;
@@ -204,8 +202,7 @@ TEST_F(InHostRender, BadInputsLeaveTheHostRunning)
 		EXPECT_EQ(load_code, Velorn::VelornContext::LOAD_MISSING_PROCEDURE);
 		EXPECT_EQ(load_error, "unable to get address of procedure 'velornGlobalLibraryShutdown'");
 		BaseDocument* doc = document();
-		EXPECT_EQ(RenderDocument(doc, *doc->GetActiveRenderData()->GetDataInstance(), nullptr, 0, nullptr),
-			RENDERRESULT_OK);
+		EXPECT_EQ(render(doc), RENDERRESULT_OK);
 		RunMainThreadEvents();
 		EXPECT_EQ(messages(), std::vector<String>{});
 	}
@@ -214,8 +211,7 @@ TEST_F(InHostRender, BadInputsLeaveTheHostRunning)
 	{
 		SCOPED_TRACE("a scene the renderer refuses");
 		BaseDocument* doc = document(20000, 4);
-		EXPECT_EQ(RenderDocument(doc, *doc->GetActiveRenderData()->GetDataInstance(), nullptr, 0, nullptr),
-			RENDERRESULT_RENDER_FAILED);
+		EXPECT_EQ(render(doc), RENDERRESULT_RENDER_FAILED);
 		EXPECT_EQ(RunMainThreadEvents(), 2);
 		EXPECT_EQ(messages(), (std::vector<String>{String("Error build scene failed."),
 								  String("ERROR: Image size 20000 x 24 is out of range (1 to 16384 pixels a side).")}));
@@ -225,8 +221,7 @@ TEST_F(InHostRender, BadInputsLeaveTheHostRunning)
 		SCOPED_TRACE("the next render works");
 		HostConsole::get().clear();
 		BaseDocument* doc = document(40, 2);
-		EXPECT_EQ(RenderDocument(doc, *doc->GetActiveRenderData()->GetDataInstance(), nullptr, 0, nullptr),
-			RENDERRESULT_OK);
+		EXPECT_EQ(render(doc), RENDERRESULT_OK);
 		RunMainThreadEvents();
 		EXPECT_EQ(messages(), std::vector<String>{});
 	}

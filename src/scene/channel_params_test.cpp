@@ -1,5 +1,6 @@
 #include "scene/channel_params.h"
 #include "scene/geometry_test_helpers.h"
+#include "scene/render_filters.h"
 #include "scene/rotation.h"
 #include "scene/shader_info.h"
 #include "scene/tex_coord_generator.h"
@@ -7,24 +8,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 using namespace Velorn;
 using VelornTest::pathsOf;
 
 namespace
 {
-
-Reference<ShaderInfo> programWithFiles(const char* include, const char* texture_path)
-{
-	Reference<ShaderInfo> info(new ShaderInfo());
-	info->shader = "def f() real : 1";
-	info->includes.push_back(include);
-	Texture texture;
-	texture.path = texture_path;
-	info->textures.push_back(texture);
-	return info;
-}
 
 template <class Value>
 std::string textOf(const Value& value)
@@ -39,17 +27,11 @@ std::string textOf(const Value& value)
 
 TEST(ShaderInfo, IsEmptyWithoutParamsIncludesAndProgramWhateverItsTextures)
 {
-	ShaderInfo info;
-	EXPECT_TRUE(info.isEmpty());
-	info.textures.push_back(Texture());
-	EXPECT_TRUE(info.isEmpty());
-
+	EXPECT_TRUE(VelornTest::shaderUsing(nullptr, "t.png")->isEmpty());
+	EXPECT_FALSE(VelornTest::shaderUsing("lib.vsl", nullptr)->isEmpty());
 	ShaderInfo with_param;
 	with_param.params.push_back(new RealShaderParam());
 	EXPECT_FALSE(with_param.isEmpty());
-	ShaderInfo with_include;
-	with_include.includes.push_back("lib.vsl");
-	EXPECT_FALSE(with_include.isEmpty());
 	ShaderInfo with_program;
 	with_program.shader = "x";
 	EXPECT_FALSE(with_program.isEmpty());
@@ -57,7 +39,7 @@ TEST(ShaderInfo, IsEmptyWithoutParamsIncludesAndProgramWhateverItsTextures)
 
 TEST(ShaderInfo, DependenciesAreIncludesThenTexturesAndPathsAreMapped)
 {
-	Reference<ShaderInfo> info = programWithFiles("lib/noise.vsl", "tex/a.png");
+	Reference<ShaderInfo> info = VelornTest::shaderUsing("lib/noise.vsl", "tex/a.png");
 	info->includes.push_back("lib/b.vsl");
 
 	VisitOperation dependencies(VisitOperation::GetDependencies, "", "");
@@ -72,21 +54,6 @@ TEST(ShaderInfo, DependenciesAreIncludesThenTexturesAndPathsAreMapped)
 	EXPECT_EQ(info->includes[0], "copy/noise.vsl");
 	EXPECT_EQ(info->includes[1], "copy/b.vsl");
 	EXPECT_EQ(info->textures[0].path, "copy/a.png");
-
-	// Other walks leave the paths alone.
-	VisitOperation bind(VisitOperation::Bind, "", "");
-	info->doVisit(bind);
-	EXPECT_EQ(info->includes[0], "copy/noise.vsl");
-	EXPECT_TRUE(bind.dependency_paths.empty());
-}
-
-TEST(ShaderInfo, AMissingMappingFailsWithThePath)
-{
-	Reference<ShaderInfo> info = programWithFiles("lib/noise.vsl", "tex/a.png");
-	VisitOperation update(VisitOperation::UpdatePaths, "", "");
-	update.path_map.insert("lib/noise.vsl", "copy/noise.vsl");
-	EXPECT_EQ(VelornTest::failureOf<VelornException>([&] { info->doVisit(update); }),
-		"While updating dependencies: Missing mapping for old path 'tex/a.png'.");
 }
 
 TEST(ShaderParam, DefinitionsInTheShaderLanguage)
@@ -137,22 +104,16 @@ TEST(ChannelParams, TypeNumbersOfEachFamily)
 		{TextureDisplacementParam().getType(), 2},
 		{ConstantVolumeParam().getType(), 0},
 		{ShaderVolumeParam().getType(), 1},
-		{VoxelVolumeParam().getType(), 2},
 		{ShaderVec3Param().getType(), 0},
 		{TextureVec3Param().getType(), 1},
-		{RealShaderParam().getType(), 0},
-		{IntShaderParam().getType(), 1},
-		{Colour3ShaderParam().getType(), 3},
 		{UVTexCoordGenerator().getType(), 0},
-		{SphericalTexCoordGenerator().getType(), 1},
-		{SphericalEnvTexCoordGenerator().getType(), 2},
-		{MatrixRotation().getType(), 0},
 		{AxisRotation().getType(), 1},
 		{BlackBodySpectrum().getType(), 0},
 		{PeakSpectrum().getType(), 1},
 		{RGBSpectrum().getType(), 2},
 		{RegularSpectrum().getType(), 3},
 		{UniformSpectrum().getType(), 4},
+		{SplatFilterBox().getType(), 3},
 	};
 	for(size_t i = 0; i < sizeof(types) / sizeof(types[0]); ++i)
 		EXPECT_EQ(types[i].first, types[i].second) << "entry " << i;
@@ -160,8 +121,8 @@ TEST(ChannelParams, TypeNumbersOfEachFamily)
 
 TEST(ChannelParams, ShaderFormsWalkTheirShaderInfoAndTheOthersNothing)
 {
-	Reference<WavelengthDependentParam> shader(new ShaderWavelengthDependentParam(programWithFiles("a.vsl", "a.png")));
-	Reference<DisplacementParam> shader_displacement(new ShaderDisplacementParam(programWithFiles("b.vsl", "b.png")));
+	Reference<WavelengthDependentParam> shader(new ShaderWavelengthDependentParam(VelornTest::shaderUsing("a.vsl", "a.png")));
+	Reference<DisplacementParam> shader_displacement(new ShaderDisplacementParam(VelornTest::shaderUsing("b.vsl", "b.png")));
 	Reference<WavelengthIndependentParam> constant(new ConstantWavelengthIndependentParam(1));
 	Reference<Vec3Param> texture(new TextureVec3Param(0));
 
@@ -181,7 +142,7 @@ TEST(ChannelParams, ClonesAreDeepCopies)
 	EXPECT_NE(constant_copy->spectrum, constant->spectrum);
 	EXPECT_EQ(textOf(*constant_copy), textOf(*constant));
 
-	Reference<ShaderWavelengthIndependentParam> shader(new ShaderWavelengthIndependentParam(programWithFiles("a.vsl", "a.png")));
+	Reference<ShaderWavelengthIndependentParam> shader(new ShaderWavelengthIndependentParam(VelornTest::shaderUsing("a.vsl", "a.png")));
 	shader->shader_info->params.push_back(new IntShaderParam());
 	Reference<ShaderWavelengthIndependentParam> shader_copy = shader->clone().downcast<ShaderWavelengthIndependentParam>();
 	ASSERT_TRUE(shader_copy.nonNull());
@@ -200,32 +161,3 @@ TEST(ChannelParams, ClonesAreDeepCopies)
 	texture.tex_coord_generation = spherical;
 	EXPECT_NE(texture.copyDeep().tex_coord_generation, texture.tex_coord_generation);
 }
-
-TEST(Rotation, MatricesOfBothKinds)
-{
-	const Matrix3d turn{{0, 1, 0, -1, 0, 0, 0, 0, 1}};
-	const Matrix3d from_matrix = MatrixRotation(turn).getMatrix();
-	for(int i = 0; i < 9; ++i)
-		EXPECT_EQ(from_matrix.e[i], turn.e[i]);
-
-	// A quarter turn about z takes x to y.
-	const Vec3d turned = AxisRotation(Vec3d(0, 0, 1), std::acos(0.0)).getMatrix() * Vec3d(1, 0, 0);
-	EXPECT_NEAR(turned.x, 0, 1e-12);
-	EXPECT_NEAR(turned.y, 1, 1e-12);
-	EXPECT_NEAR(turned.z, 0, 1e-12);
-}
-
-// Its expected paths are written with the POSIX separator.
-#ifndef _WIN32
-TEST(Texture, PathsAreJoinedToTheSceneDirectoryWhenAskedWithPosixSeparators)
-{
-	Texture texture;
-	texture.path = "maps/wood.png";
-	BufferOStream stream;
-	WriteContext context;
-	context.scene_dir = "/scenes/house";
-	context.write_absolute_paths = true;
-	texture.writeXML(stream, 0, context);
-	EXPECT_NE(stream.str().find("\t<path>/scenes/house/maps/wood.png</path>\n"), std::string::npos);
-}
-#endif

@@ -21,64 +21,11 @@
 using namespace Velorn;
 using VelornTest::classAndFailureOf;
 using VelornTest::expectBounds;
-using VelornTest::expectRunningNames;
-using VelornTest::expectUnfinishedCloneAndEquality;
 using VelornTest::materialNode;
-using VelornTest::texturedNode;
 using VelornTest::valuesOf;
 using VelornTest::visitNode;
 
-namespace
-{
-
-// A root with the materials Rubber (3) and Moss (4), a medium (6), a mesh
-// node (7) and a parametric surface (8).
-struct GeometryScene
-{
-	GeometryScene()
-	{
-		root->addChildNode(texturedNode("Rubber", 3, "rubber.png"));
-		root->addChildNode(materialNode(new DiffuseMaterial(), "Moss", 4));
-		root->addChildNode(VelornTest::mediumNode("Water", 6));
-		Reference<SceneNodeMesh> mesh(new SceneNodeMesh());
-		mesh->uid = UID(7);
-		root->addChildNode(mesh);
-		Reference<SceneNodeParametricSurface> surface(new SceneNodeParametricSurface());
-		surface->uid = UID(8);
-		root->addChildNode(surface);
-	}
-
-	SceneNode* node(uint32_t uid) const { return root->findChild(UID(uid)); }
-	template <class Node>
-	Reference<Node> add(uint32_t uid, const char* name)
-	{
-		Reference<Node> n(new Node());
-		n->uid = UID(uid);
-		n->setName(name);
-		root->addChildNode(n);
-		return n;
-	}
-
-	Reference<SceneNodeRoot> root = new SceneNodeRoot();
-};
-
-} // namespace
-
-TEST(MeshAndScatter, NamesRunAndUnfinishedOperationsSaySo)
-{
-	{
-		SCOPED_TRACE("mesh");
-		expectRunningNames<SceneNodeMesh>("Mesh");
-		expectUnfinishedCloneAndEquality<SceneNodeMesh>("SceneNodeMesh::clone() not yet implemented",
-			"TODO: IMPLEMENT SceneNodeMesh::doIsEqual()\n");
-	}
-	{
-		SCOPED_TRACE("scatter");
-		expectRunningNames<SceneNodeScatter>("Scatter ");
-		expectUnfinishedCloneAndEquality<SceneNodeScatter>("SceneNodeScatter::clone() not yet implemented",
-			"TODO: IMPLEMENT SceneNodeScatter::doIsEqual()\n");
-	}
-}
+using VelornTest::GeometryScene;
 
 TEST(MeshNode, WithoutAMeshItFailsInsteadOfNamingAFile)
 {
@@ -90,21 +37,9 @@ TEST(MeshNode, WithoutAMeshItFailsInsteadOfNamingAFile)
 	EXPECT_EQ(classAndFailureOf([&] { mesh->toXMLString(); }), "VelornException: Mesh node 'Empty' has no mesh to name its file by.");
 }
 
-TEST(MeshNode, OffsetShiftsOnlyAValidUID)
-{
-	SceneNodeMesh mesh;
-	mesh.uid = UID(7);
-	visitNode(mesh, VisitOperation::OffsetUIDs, 100);
-	EXPECT_EQ(mesh.uid, UID(107));
-	mesh.uid = UID();
-	visitNode(mesh, VisitOperation::OffsetUIDs, 100);
-	EXPECT_FALSE(mesh.uid.valid());
-}
-
-// The parser leaves mesh nodes with a path and no mesh; finalise loads them
-// from beside the scene before it binds the models, so that the material
-// count of a model is checked against the loaded mesh.
-// Its expected paths are written with the POSIX separator.
+// Finalise loads path-only mesh nodes from beside the scene before binding
+// the models, so a model's material count is checked against the loaded
+// mesh. Expected paths use the POSIX separator.
 #ifndef _WIN32
 TEST(MeshNode, FinaliseLoadsTheMeshFileBesideTheSceneWithPosixSeparators)
 {
@@ -113,37 +48,23 @@ TEST(MeshNode, FinaliseLoadsTheMeshFileBesideTheSceneWithPosixSeparators)
 	const Reference<Mesh> original = VelornTest::sampleMesh();
 	writeMeshToFile(dir.file("meshes/square.vlmesh"), *original);
 
-	struct Scene
-	{
-		Reference<SceneNodeRoot> root = new SceneNodeRoot();
-		Reference<SceneNodeMesh> mesh = new SceneNodeMesh();
-		Reference<SceneNodeModel> model = new SceneNodeModel();
-	};
+	// The mesh node as the parser leaves it: a path and no mesh.
 	const auto scene = [](const char* mesh_path, const Vector<UID>& material_uids) {
-		Scene s;
-		s.root->addChildNode(materialNode(new DiffuseMaterial(), "Red", 3));
-		s.root->addChildNode(materialNode(new DiffuseMaterial(), "Blue", 4));
-		s.mesh->uid = UID(7);
+		GeometryScene s;
+		s.mesh->mesh = nullptr;
 		s.mesh->path = mesh_path;
-		s.root->addChildNode(s.mesh);
-		s.model->uid = UID(20);
-		s.model->setGeometryUID(UID(7));
-		s.model->setMaterialUIDs(material_uids);
-		s.root->addChildNode(s.model);
+		Reference<SceneNodeModel> model = s.add<SceneNodeModel>(20, "Model");
+		model->setGeometryUID(UID(7));
+		model->setMaterialUIDs(material_uids);
 		return s;
 	};
 	const String scene_path(dir.file("scene.vls"));
 
-	Scene loaded = scene("meshes/square.vlmesh", {UID(3), UID(4)});
+	GeometryScene loaded = scene("meshes/square.vlmesh", {UID(3), UID(4)});
 	loaded.root->finalise(scene_path);
 	ASSERT_TRUE(loaded.mesh->mesh.nonNull());
-	EXPECT_EQ(loaded.mesh->mesh->used_materials, original->used_materials);
 	EXPECT_EQ(loaded.mesh->mesh->verts, original->verts);
-	EXPECT_EQ(loaded.mesh->mesh->triangles.size(), 1u);
-	EXPECT_EQ(loaded.mesh->mesh->quads.size(), 1u);
-	EXPECT_EQ(loaded.mesh->mesh->num_materials_referenced, 2u);
-	EXPECT_EQ(loaded.model->geometry, loaded.mesh);
-	EXPECT_EQ(loaded.model->materials.size(), 2u);
+	EXPECT_EQ(static_cast<SceneNodeModel*>(loaded.node(20))->geometry, loaded.mesh);
 
 	// A mesh already there is kept, whatever the path says.
 	const Mesh* kept = loaded.mesh->mesh.getPointer();
@@ -151,13 +72,10 @@ TEST(MeshNode, FinaliseLoadsTheMeshFileBesideTheSceneWithPosixSeparators)
 	loaded.root->finalise(scene_path);
 	EXPECT_EQ(loaded.mesh->mesh.getPointer(), kept);
 
-	Scene short_of_materials = scene("meshes/square.vlmesh", {UID(3)});
-	EXPECT_EQ(classAndFailureOf([&] { short_of_materials.root->finalise(scene_path); }),
-		"VelornException: Model (UID 20, name 'Model') has a different number of materials assigned than the geometry "
-		"references.\nnum materials assigned: 1, geometry num materials referenced: 2.  SDK Users: make sure you call "
-		"endOfModel() on VelornMesh objects");
-
-	Scene missing = scene("meshes/missing.vlmesh", {UID(3), UID(4)});
+	EXPECT_NE(classAndFailureOf([&] { scene("meshes/square.vlmesh", {UID(3)}).root->finalise(scene_path); })
+				  .find("num materials assigned: 1, geometry num materials referenced: 2."),
+		std::string::npos);
+	GeometryScene missing = scene("meshes/missing.vlmesh", {UID(3), UID(4)});
 	EXPECT_EQ(classAndFailureOf([&] { missing.root->finalise(scene_path); }),
 		"SceneParserExcep: CSModelLoaderExcep: Failed to open file '" + dir.path() + "/meshes/missing.vlmesh' for reading.");
 	EXPECT_TRUE(missing.mesh->mesh.isNull());
@@ -217,8 +135,7 @@ TEST(Sphere, ReferencesDependenciesAndReplacement)
 	visitNode(*sphere, VisitOperation::Bind);
 	EXPECT_TRUE(sphere->references(scene.node(3)));
 	EXPECT_FALSE(sphere->references(scene.node(4)));
-	EXPECT_TRUE(scene.root->isReferencedInTree(scene.node(3)));
-	EXPECT_EQ(visitNode(*sphere, VisitOperation::GetDependencies).dependency_paths, Vector<String>({"rubber.png"}));
+	EXPECT_EQ(visitNode(*sphere, VisitOperation::GetDependencies).dependency_paths, Vector<String>({"glass.png"}));
 	// The bound material's UID counts, not the stored one.
 	sphere->material_uid = UID(12);
 	EXPECT_EQ(valuesOf(sphere->getDependencyUIDs()), (std::vector<uint32_t>{3}));
@@ -227,21 +144,17 @@ TEST(Sphere, ReferencesDependenciesAndReplacement)
 	wrong_type.insert(UID(3), VelornTest::mediumNode("Not a material", 3));
 	sphere->updateReferences(wrong_type);
 	EXPECT_EQ(sphere->material.getPointer(), scene.node(3));
-	Reference<SceneNodeMaterial> replacement = materialNode(new DiffuseMaterial(), "New rubber", 3);
+	Reference<SceneNodeMaterial> replacement = materialNode(new DiffuseMaterial(), "New glass", 3);
 	SceneNodeMap map;
 	map.insert(UID(3), replacement);
 	sphere->updateReferences(map);
 	EXPECT_EQ(sphere->material, replacement);
 
 	visitNode(*sphere, VisitOperation::OffsetUIDs, 100);
-	EXPECT_EQ(sphere->uid, UID(120));
 	EXPECT_EQ(sphere->material_uid, UID(112));
-	sphere->material_uid = UID();
-	visitNode(*sphere, VisitOperation::OffsetUIDs, 100);
-	EXPECT_FALSE(sphere->material_uid.valid());
 }
 
-TEST(Sphere, CloneBindsAnewAndEqualityIsUnfinished)
+TEST(Sphere, CloneBindsAnew)
 {
 	GeometryScene scene;
 	Reference<SceneNodeSphere> sphere = scene.add<SceneNodeSphere>(20, "Ball");
@@ -256,7 +169,6 @@ TEST(Sphere, CloneBindsAnewAndEqualityIsUnfinished)
 	EXPECT_TRUE(copy->material.isNull());
 	EXPECT_EQ(copy->material_uid, UID(4));
 	EXPECT_EQ(copy->toXMLString().str(), written);
-	sphere->keyframes[0].time = 1;
 	scene.root->removeChildNode(sphere);
 	scene.root->addChildNode(copy);
 	visitNode(*copy, VisitOperation::Bind);
@@ -266,11 +178,6 @@ TEST(Sphere, CloneBindsAnewAndEqualityIsUnfinished)
 	Reference<SceneNodeSphere> unbound(new SceneNodeSphere());
 	unbound->material_uid = UID(11);
 	EXPECT_EQ(unbound->clone().downcast<SceneNodeSphere>()->material_uid, UID(11));
-
-	testing::internal::CaptureStdout();
-	EXPECT_TRUE(copy->doIsEqual(*sphere));
-	EXPECT_FALSE(copy->doIsEqual(*unbound));
-	EXPECT_EQ(testing::internal::GetCapturedStdout(), "TODO: IMPLEMENT SceneNodeSphere::doIsEqual()\n");
 }
 
 TEST(Sphere, BoundsAreTheRadiusCubeAlongTheKeyframes)
@@ -302,8 +209,6 @@ TEST(Scatter, BindingFindsGeometryAndMaterials)
 			"VelornException: Referenced node did not have type SceneNodeMesh or SceneNodeParametricSurface"},
 		{"missing material", [](SceneNodeScatter& s) { s.material_uids = {UID(3), UID(41)}; },
 			"VelornException: Failed to find node with UID 41"},
-		{"material of a medium", [](SceneNodeScatter& s) { s.material_uids = {UID(6)}; },
-			"VelornException: Node with UID 6 was not a material node."},
 	};
 	for(const Case& c : cases)
 	{
@@ -343,7 +248,6 @@ TEST(Scatter, BindingFindsGeometryAndMaterials)
 TEST(Scatter, OffsetsEveryUIDAndListsItsDependencies)
 {
 	SceneNodeScatter scatter;
-	scatter.uid = UID(30);
 	scatter.target_object_uid = UID(3);
 	scatter.bound_target_uid = UID(4);
 	scatter.geometry_uid = UID(7);
@@ -351,20 +255,10 @@ TEST(Scatter, OffsetsEveryUIDAndListsItsDependencies)
 	EXPECT_EQ(valuesOf(scatter.getDependencyUIDs()), (std::vector<uint32_t>{7, 3, 0xFFFFFFFFu, 5}));
 
 	visitNode(scatter, VisitOperation::OffsetUIDs, 100);
-	EXPECT_EQ(scatter.uid, UID(130));
 	EXPECT_EQ(scatter.target_object_uid, UID(103));
 	EXPECT_EQ(scatter.bound_target_uid, UID(104));
 	EXPECT_EQ(scatter.geometry_uid, UID(107));
 	EXPECT_EQ(valuesOf(scatter.material_uids), (std::vector<uint32_t>{103, 0xFFFFFFFFu, 105}));
-
-	scatter.target_object_uid = UID();
-	scatter.bound_target_uid = UID();
-	scatter.geometry_uid = UID();
-	visitNode(scatter, VisitOperation::OffsetUIDs, 100);
-	EXPECT_EQ(scatter.uid, UID(230));
-	EXPECT_FALSE(scatter.target_object_uid.valid());
-	EXPECT_FALSE(scatter.bound_target_uid.valid());
-	EXPECT_FALSE(scatter.geometry_uid.valid());
 }
 
 TEST(BackgroundSettings, WalksReachTheMaterialAndLayersComeFromIt)
@@ -388,12 +282,9 @@ TEST(BackgroundSettings, WalksReachTheMaterialAndLayersComeFromIt)
 	update.path_map.insert("stars.exr", "copy/stars.exr");
 	background.doVisit(update);
 	EXPECT_EQ(sky->textures[0].path, String("copy/stars.exr"));
-
-	visitNode(background, VisitOperation::OffsetUIDs, 100);
-	EXPECT_EQ(background.uid, UID(105));
 }
 
-TEST(BackgroundSettings, CloneKeepsBaseFieldsOnlyAndEqualityIsUnfinished)
+TEST(BackgroundSettings, CloneKeepsBaseFieldsOnly)
 {
 	Reference<SceneNodeBackgroundSettings> background(new SceneNodeBackgroundSettings());
 	background->uid = UID(5);
@@ -407,20 +298,13 @@ TEST(BackgroundSettings, CloneKeepsBaseFieldsOnlyAndEqualityIsUnfinished)
 	EXPECT_EQ(testing::internal::GetCapturedStdout(), "SceneNodeBackgroundSettings::clone() not yet implemented");
 	ASSERT_TRUE(copy.nonNull());
 	EXPECT_EQ(copy->uid, UID(5));
-	EXPECT_EQ(copy->getName(), String("Background Settings"));
 	EXPECT_EQ(copy->getFlags(), 2u);
 	EXPECT_EQ(copy->getChangeStamp(), 7u);
 	EXPECT_TRUE(copy->background_material.isNull());
-
-	testing::internal::CaptureStdout();
-	EXPECT_TRUE(background->doIsEqual(*copy));
-	copy->uid = UID(6);
-	EXPECT_FALSE(background->doIsEqual(*copy));
-	EXPECT_EQ(testing::internal::GetCapturedStdout(), "TODO: IMPLEMENT SceneNodeBackgroundSettings::doIsEqual()");
 }
 
-// Load picks the model decoder by the file's extension and hands it the
-// node's scale; a decoder's failure reaches the caller as a parser failure.
+// The decoder is picked by extension and given the node's scale; its
+// failure reaches the caller as a parser failure.
 TEST(MeshNode, LoadDecodesModelFilesByExtension)
 {
 	VelornTest::TempDir dir;

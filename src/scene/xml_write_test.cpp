@@ -1,8 +1,15 @@
+#include "scene/rotation.h"
+#include "scene/scene_node_camera.h"
+#include "scene/scene_node_material.h"
+#include "scene/scene_node_model.h"
+#include "scene/texture.h"
 #include "scene/xml_write.h"
 
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <functional>
+#include <string>
+#include <vector>
 
 using namespace Velorn;
 using namespace Velorn::XMLWrite;
@@ -19,25 +26,6 @@ std::string written(F write)
 }
 
 } // namespace
-
-TEST(XMLWrite, ElementHelpers)
-{
-	EXPECT_EQ(written([](OStream& s) { writeOpenTag(s, 2, "a"); }), "\t\t<a>\n");
-	EXPECT_EQ(written([](OStream& s) { writeCloseTag(s, 1, "a"); }), "\t</a>\n");
-	EXPECT_EQ(written([](OStream& s) { writeEmptyTag(s, 0, "circular"); }), "<circular/>\n");
-	EXPECT_EQ(written([](OStream& s) { writeDouble(s, 1, "d", 0.5); }), "\t<d>0.5</d>\n");
-	EXPECT_EQ(written([](OStream& s) { writeDouble(s, 0, "d", -0.0); }), "<d>0</d>\n");
-	EXPECT_EQ(written([](OStream& s) { writeDouble(s, 0, "d", 1e21); }), "<d>1e21</d>\n");
-	EXPECT_EQ(written([](OStream& s) { writeDouble(s, 0, "d", std::numeric_limits<double>::infinity()); }), "<d>Inf</d>\n");
-	EXPECT_EQ(written([](OStream& s) { writeInt(s, 0, "i", (int32_t)0x80000000u); }), "<i>-2147483648</i>\n");
-	EXPECT_EQ(written([](OStream& s) { writeUID(s, 0, "uid", UID(4294967294u)); }), "<uid>4294967294</uid>\n");
-	EXPECT_EQ(written([](OStream& s) { writeUID(s, 0, "uid", UID()); }), "<uid>4294967295</uid>\n");
-	EXPECT_EQ(written([](OStream& s) { writeBool(s, 0, "b", false); }), "<b>false</b>\n");
-	EXPECT_EQ(written([](OStream& s) { writeVec2(s, 0, "v", Vec2d(1, -2.5)); }), "<v>1 -2.5</v>\n");
-	EXPECT_EQ(written([](OStream& s) { writeVec3(s, 1, "v", Vec3d(0, 1e-7, (double)0.3f)); }),
-		"\t<v>0 1e-7 0.30000001192092896</v>\n");
-	EXPECT_EQ(written([](OStream& s) { writeMatrix2(s, 0, "matrix", Matrix2d()); }), "<matrix>1 0 0 1</matrix>\n");
-}
 
 TEST(XMLWrite, StringsChooseCDATAOnlyWhereWhiteSpaceWouldBeLost)
 {
@@ -83,5 +71,42 @@ TEST(XMLWrite, PathsJoinTheSceneDirectoryOnlyWhenAskedWithPosixSeparators)
 		"<path>/scenes/a/tex/t.png</path>\n");
 	EXPECT_EQ(written([&](OStream& s) { writePath(s, 0, "path", "/abs/t.png", absolute); }), "<path>/abs/t.png</path>\n");
 	EXPECT_EQ(written([&](OStream& s) { writePath(s, 0, "path", "", absolute); }), "<path></path>\n");
+}
+
+// Every writer of a path hands it the context, so that it is joined too.
+TEST(XMLWrite, EveryPathOfAValueOrNodeIsJoinedOnRequest)
+{
+	WriteContext context;
+	context.scene_dir = "/scenes";
+	context.write_absolute_paths = true;
+	Texture texture;
+	texture.path = "maps/wood.png";
+	SceneNodeCamera camera;
+	camera.obstacle_map_path = "dust.png";
+	camera.aperture_shape = new ApertureImage("hex.png");
+	SceneNodeModel model;
+	model.rotation = new MatrixRotation();
+	Reference<IESProfile> profile(new IESProfile());
+	profile->path = "ies/spot.ies";
+	model.setIESProfiles({profile});
+	struct Case
+	{
+		const char* what;
+		std::function<void(OStream&)> write;
+		std::vector<std::string> paths;
+	};
+	const Case cases[] = {
+		{"texture", [&](OStream& s) { texture.writeXML(s, 0, context); }, {"\t<path>/scenes/maps/wood.png</path>\n"}},
+		{"camera", [&](OStream& s) { camera.writeXML(s, 0, context); },
+			{"\t\t<path>/scenes/dust.png</path>\n", "\t\t\t<path>/scenes/hex.png</path>\n"}},
+		{"model", [&](OStream& s) { model.writeXML(s, 0, context); }, {"\t\t<path>/scenes/ies/spot.ies</path>\n"}},
+	};
+	for(const Case& c : cases)
+	{
+		SCOPED_TRACE(c.what);
+		const std::string text = written(c.write);
+		for(const std::string& path : c.paths)
+			EXPECT_NE(text.find(path), std::string::npos) << text;
+	}
 }
 #endif

@@ -45,18 +45,7 @@ struct SunScene
 	// Mean radiance per layer of the floor's point under the camera.
 	std::vector<V3> floorRadiance(int paths = 2000)
 	{
-		TracerScene scene(*root, ".");
-		std::vector<V3> sum(scene.getSettings().layer_count), layers(sum.size());
-		for(int i = 0; i < paths; ++i)
-		{
-			Rng rng(3, (uint64_t)i);
-			std::fill(layers.begin(), layers.end(), V3(0));
-			bool hit = false;
-			scene.radiance(Ray{V3(0, 0, 1), V3(0, 0, -1)}, rng, layers, hit);
-			for(size_t l = 0; l < sum.size(); ++l)
-				sum[l] += layers[l] / (float)paths;
-		}
-		return sum;
+		return meanLayers(TracerScene(*root, "."), Ray{V3(0, 0, 1), V3(0, 0, -1)}, paths, 3);
 	}
 
 	Reference<SceneNodeRoot> root;
@@ -135,9 +124,7 @@ TEST(Background, EnvironmentMapAroundTheScene)
 		bool hit = true;
 		scene.radiance(Ray{V3(0, 0, 0), c.dir}, rng, layers, hit);
 		EXPECT_FALSE(hit);
-		EXPECT_NEAR(layers[0].x, c.expected.x, 1e-5f);
-		EXPECT_NEAR(layers[0].y, c.expected.y, 1e-5f);
-		EXPECT_NEAR(layers[0].z, c.expected.z, 1e-5f);
+		expectNear(layers[0], c.expected, 1e-5f);
 	}
 }
 

@@ -12,135 +12,85 @@ namespace Standin
 namespace
 {
 
-void expectDirection(const V3& actual, const V3& expected_unnormalised)
-{
-	const V3 e = normalise(expected_unnormalised);
-	EXPECT_NEAR(actual.x, e.x, 1e-5f);
-	EXPECT_NEAR(actual.y, e.y, 1e-5f);
-	EXPECT_NEAR(actual.z, e.z, 1e-5f);
-}
+using StandinTest::expectNear;
 
 SceneNodeCamera& cameraOf(SceneNodeRoot& root)
 {
 	return static_cast<SceneNodeCamera&>(*root.getCameraNode());
 }
 
-TEST(Camera, FieldOfViewFollowsTheCameraNode)
+enum class Kind
 {
-	// A 36 mm sensor 18 mm from the lens sees 2 atan(18 / 18) = 90 degrees
-	// across; the picture is 40 by 20, so the sensor is 18 mm high. The
-	// exporter writes lens_sensor_dist = sensor / (2 tan(fov / 2)).
-	Reference<SceneNodeRoot> root = StandinTest::makeRoot(40, 20, Vec3d(1, 2, 3), Vec3d(0, 1, 0), 0.036, 0.018);
-	const Camera camera(cameraOf(*root), 40, 20);
-	EXPECT_NEAR(camera.position.x, 1, 1e-6);
-	EXPECT_NEAR(camera.position.z, 3, 1e-6);
-	// Right is forwards x up = (1, 0, 0).
-	const struct
+	Wide,
+	Normal,
+	Turned,
+	Orthographic,
+	Spherical,
+};
+
+// A camera at (1, 2, 3) looking along +y, up +z, right +x, over a picture
+// of 40 by 20, with a 36 mm sensor (18 mm high) 18 mm from the lens (Wide)
+// or 36 mm (the others); Turned is Normal a quarter turn about z, which
+// takes forwards to -x. Orthographic has a sensor 4 m wide, shifted 0.25 m up.
+Reference<SceneNodeRoot> cameraScene(Kind kind)
+{
+	const double sensor_width = kind == Kind::Orthographic ? 4 : 0.036;
+	Reference<SceneNodeRoot> root = StandinTest::makeRoot(40, 20, Vec3d(1, 2, 3), Vec3d(0, 1, 0), sensor_width,
+		kind == Kind::Wide ? 0.018 : 0.036);
+	SceneNodeCamera& camera = cameraOf(*root);
+	if(kind == Kind::Turned)
+		camera.keyframes[0].rotation_angle = 3.14159265358979 / 2;
+	if(kind == Kind::Orthographic)
 	{
-		float x, y;
-		V3 direction;
-	} cases[] = {
-		{20, 10, V3(0, 1, 0)},                    // centre
-		{40, 10, V3(1, 1, 0)},                    // right edge: 45 degrees
-		{0, 10, V3(-1, 1, 0)},                    // left edge
-		{20, 0, V3(0, 0.018f, 0.009f)},           // top edge: half the sensor height up
-		{0, 20, V3(-0.018f, 0.018f, -0.009f)},    // bottom left corner
-	};
-	for(const auto& c : cases)
-	{
-		SCOPED_TRACE(std::to_string(c.x) + ", " + std::to_string(c.y));
-		const Ray ray = camera.generateRay(c.x, c.y, 0.3f, 0.7f);
-		expectDirection(ray.dir, c.direction);
+		camera.camera_type = SceneNodeCamera::Orthographic;
+		camera.lens_shift_up_distance = 0.25;
 	}
+	if(kind == Kind::Spherical)
+		camera.camera_type = SceneNodeCamera::Spherical;
+	return root;
 }
 
-TEST(Camera, ProjectsKnownPointsWhereTheNodeSays)
+TEST(Camera, RaysOfEachProjectionFollowTheCameraNode)
 {
-	// A camera at the origin looking along +y with a 36 mm sensor 36 mm
-	// from the lens: a point (x, y, z) lands at film x = (x / y + 0.5) * w
-	// and film y = (0.5 - z / y * 0.036 / sensor_height) * h.
-	Reference<SceneNodeRoot> root = StandinTest::makeRoot(40, 20, Vec3d(0, 0, 0), Vec3d(0, 1, 0));
-	const Camera camera(cameraOf(*root), 40, 20);
+	// The exporter writes lens_sensor_dist = sensor / (2 tan(fov / 2)): Wide
+	// sees 2 atan(18 / 18) = 90 degrees across. Normal projects a point
+	// (x, y, z) of the camera's frame to film x = (x / y + 0.5) * 40 and
+	// film y = (0.5 - z / y * 0.036 / 0.018) * 20. The spherical view's
+	// middle is forwards, its edges behind, its top straight up.
+	const V3 eye(1, 2, 3);
 	const struct
 	{
-		V3 point;
-		float film_x, film_y;
-	} cases[] = {
-		{V3(1, 5, 0.5f), 28, 6},   // 0.2 right, 0.1 * 0.036 / 0.018 = 0.2 up
-		{V3(-2, 4, -0.5f), 0, 15}, // left edge, a quarter below the centre
-	};
-	for(const auto& c : cases)
-	{
-		const Ray ray = camera.generateRay(c.film_x, c.film_y, 0, 0);
-		expectDirection(ray.dir, c.point);
-	}
-}
-
-TEST(Camera, RotationOfTheKeyframeTurnsTheView)
-{
-	// A quarter turn about z takes forwards (0, 1, 0) to (-1, 0, 0).
-	Reference<SceneNodeRoot> root = StandinTest::makeRoot(10, 10, Vec3d(0, 0, 0), Vec3d(0, 1, 0));
-	cameraOf(*root).keyframes[0].rotation_angle = 3.14159265358979 / 2;
-	const Camera camera(cameraOf(*root), 10, 10);
-	expectDirection(camera.generateRay(5, 5, 0, 0).dir, V3(-1, 0, 0));
-}
-
-TEST(Camera, OrthographicRaysRunParallelFromTheSensor)
-{
-	// At (1, 2, 3) looking along +y, right +x, a sensor 4 m wide; the
-	// picture is 40 by 20, so it is 2 m high. Every ray runs along +y
-	// from its film point's place on the sensor.
-	Reference<SceneNodeRoot> root = StandinTest::makeRoot(40, 20, Vec3d(1, 2, 3), Vec3d(0, 1, 0), 4);
-	cameraOf(*root).camera_type = SceneNodeCamera::Orthographic;
-	cameraOf(*root).lens_shift_up_distance = 0.25;
-	const Camera camera(cameraOf(*root), 40, 20);
-	const struct
-	{
+		const char* name;
+		Kind kind;
 		float x, y;
-		V3 origin;
+		V3 origin, direction;
 	} cases[] = {
-		{20, 10, V3(1, 2, 3.25f)},      // centre, shifted up
-		{30, 5, V3(2, 2, 3.75f)},       // a quarter right and up: 1 m right, 0.5 m up
-		{0, 20, V3(-1, 2, 2.25f)},      // bottom left corner
+		{"centre", Kind::Wide, 20, 10, eye, V3(0, 1, 0)},
+		{"right edge: 45 degrees", Kind::Wide, 40, 10, eye, V3(1, 1, 0)},
+		{"left edge", Kind::Wide, 0, 10, eye, V3(-1, 1, 0)},
+		{"top edge: half the sensor height up", Kind::Wide, 20, 0, eye, V3(0, 0.018f, 0.009f)},
+		{"bottom left corner", Kind::Wide, 0, 20, eye, V3(-0.018f, 0.018f, -0.009f)},
+		{"point 0.2 right, 0.2 up", Kind::Normal, 28, 6, eye, V3(1, 5, 0.5f)},
+		{"point on the left edge, a quarter down", Kind::Normal, 0, 15, eye, V3(-2, 4, -0.5f)},
+		{"turned a quarter about z", Kind::Turned, 20, 10, eye, V3(-1, 0, 0)},
+		{"orthographic centre, shifted up", Kind::Orthographic, 20, 10, V3(1, 2, 3.25f), V3(0, 1, 0)},
+		{"orthographic, 1 m right and 0.5 m up", Kind::Orthographic, 30, 5, V3(2, 2, 3.75f), V3(0, 1, 0)},
+		{"orthographic bottom left corner", Kind::Orthographic, 0, 20, V3(-1, 2, 2.25f), V3(0, 1, 0)},
+		{"spherical middle", Kind::Spherical, 20, 10, eye, V3(0, 1, 0)},
+		{"spherical three quarters across", Kind::Spherical, 30, 10, eye, V3(1, 0, 0)},
+		{"spherical a quarter across", Kind::Spherical, 10, 10, eye, V3(-1, 0, 0)},
+		{"spherical left edge", Kind::Spherical, 0, 10, eye, V3(0, -1, 0)},
+		{"spherical top edge", Kind::Spherical, 20, 0, eye, V3(0, 0, 1)},
+		{"spherical 45 degrees right and up", Kind::Spherical, 25, 5, eye, V3(0.5f, 0.5f, 0.70710678f)},
+		{"spherical 45 degrees down", Kind::Spherical, 20, 15, eye, V3(0, 1, -1)},
 	};
 	for(const auto& c : cases)
 	{
-		SCOPED_TRACE(std::to_string(c.x) + ", " + std::to_string(c.y));
-		const Ray ray = camera.generateRay(c.x, c.y, 0.3f, 0.7f);
-		EXPECT_NEAR(ray.origin.x, c.origin.x, 1e-5f);
-		EXPECT_NEAR(ray.origin.y, c.origin.y, 1e-5f);
-		EXPECT_NEAR(ray.origin.z, c.origin.z, 1e-5f);
-		expectDirection(ray.dir, V3(0, 1, 0));
-	}
-}
-
-TEST(Camera, SphericalViewWrapsLongitudeAcrossAndLatitudeDown)
-{
-	// Looking along +y with +z up, right +x: the picture's middle is
-	// forwards, its left and right edges behind, three quarters across is
-	// right, the top edge straight up.
-	Reference<SceneNodeRoot> root = StandinTest::makeRoot(40, 20, Vec3d(1, 2, 3), Vec3d(0, 1, 0));
-	cameraOf(*root).camera_type = SceneNodeCamera::Spherical;
-	const Camera camera(cameraOf(*root), 40, 20);
-	const struct
-	{
-		float x, y;
-		V3 direction;
-	} cases[] = {
-		{20, 10, V3(0, 1, 0)},
-		{30, 10, V3(1, 0, 0)},
-		{10, 10, V3(-1, 0, 0)},
-		{0, 10, V3(0, -1, 0)},
-		{20, 0, V3(0, 0, 1)},
-		{25, 5, V3(0.5f, 0.5f, 0.70710678f)},  // 45 degrees right and 45 up
-		{20, 15, V3(0, 1, -1)},
-	};
-	for(const auto& c : cases)
-	{
-		SCOPED_TRACE(std::to_string(c.x) + ", " + std::to_string(c.y));
-		const Ray ray = camera.generateRay(c.x, c.y, 0.3f, 0.7f);
-		EXPECT_NEAR(length(ray.origin - V3(1, 2, 3)), 0, 1e-6f);
-		expectDirection(ray.dir, c.direction);
+		SCOPED_TRACE(c.name);
+		Reference<SceneNodeRoot> root = cameraScene(c.kind);
+		const Ray ray = Camera(cameraOf(*root), 40, 20).generateRay(c.x, c.y, 0.3f, 0.7f);
+		expectNear(ray.origin, c.origin, 1e-5f);
+		expectNear(ray.dir, normalise(c.direction), 1e-5f);
 	}
 }
 
@@ -166,8 +116,8 @@ TEST(Camera, MovesAlongItsKeyframesWhileTheShutterIsOpen)
 	{
 		SCOPED_TRACE(c.time);
 		const Ray ray = camera.generateRay(5, 5, 0, 0, c.time);
-		EXPECT_NEAR(length(ray.origin - c.origin), 0, 1e-5f);
-		expectDirection(ray.dir, c.direction);
+		expectNear(ray.origin, c.origin, 1e-5f);
+		expectNear(ray.dir, normalise(c.direction), 1e-5f);
 		EXPECT_EQ(ray.time, c.time);
 	}
 }

@@ -186,9 +186,11 @@ private:
 	std::vector<RGB> radiance;
 };
 
-Reference<WavelengthDependentParam> colour(const RGB& c)
+Reference<DiffuseMaterial> coloured(const RGB& c)
 {
-	return new ConstantWavelengthDependentParam(new RGBSpectrum(Vec3d(c[0], c[1], c[2]), 1.0));
+	Reference<DiffuseMaterial> m = new DiffuseMaterial();
+	m->albedo = new ConstantWavelengthDependentParam(new RGBSpectrum(Vec3d(c[0], c[1], c[2]), 1.0));
+	return m;
 }
 
 // The box as one mesh: materials 0 white, 1 red, 2 green, 3 the light. The
@@ -232,11 +234,6 @@ Reference<SceneNodeRoot> cornellScene(int size)
 	Reference<SceneNodeModel> model = new SceneNodeModel();
 	model->rotation = new MatrixRotation();
 	model->setGeometry(mesh_node);
-	auto coloured = [](const RGB& c) {
-		Reference<DiffuseMaterial> m = new DiffuseMaterial();
-		m->albedo = colour(c);
-		return m;
-	};
 	model->setMaterials({addMaterial(*root, coloured(white_albedo)), addMaterial(*root, coloured(red_albedo)),
 		addMaterial(*root, coloured(green_albedo)), addMaterial(*root, emitter(emitted, 0))});
 	root->addChildNode(model);
@@ -262,7 +259,6 @@ TEST(CornellBox, WallsMatchARadiositySolve)
 	} walls[] = {{Floor, "floor"}, {Ceiling, "ceiling"}, {Back, "back"}, {Left, "left, red"}, {Right, "right, green"}};
 	std::vector<V3> layers(1);
 	const int strata = 500;
-	std::array<RGB, wall_count> traced;
 	for(const auto& w : walls)
 	{
 		SCOPED_TRACE(w.name);
@@ -295,18 +291,11 @@ TEST(CornellBox, WallsMatchARadiositySolve)
 			SCOPED_TRACE(c);
 			const double mean = sum[c] / paths;
 			const double error = std::sqrt((sum_sq[c] / paths - mean * mean) / paths);
-			traced[w.wall][c] = mean;
 			// A noisy estimate would pass anything: keep the noise itself small.
 			EXPECT_LT(error, 0.012 * expected[c]);
 			EXPECT_NEAR(mean, expected[c], 3 * error + 0.015 * expected[c]);
 		}
 	}
-	// Colour bleeding: the floor is tinted towards neither wall, the walls
-	// throw their colour onto each other. Follows from the checks above, but
-	// says what a mix-up of the channels would break.
-	EXPECT_NEAR(traced[Floor][0], traced[Floor][1], 0.04 * traced[Floor][0]);
-	EXPECT_GT(traced[Right][0], traced[Right][2] * 1.2);
-	EXPECT_GT(traced[Left][1], traced[Left][2] * 1.2);
 }
 
 TEST(CornellBox, RenderedPictureMeanMatchesARadiositySolve)

@@ -4,6 +4,7 @@
 #include "standin/ies_profile.h"
 
 #include "support/exceptions.h"
+#include "support/failures.h"
 
 #include <gtest/gtest.h>
 
@@ -151,15 +152,7 @@ TEST(IesProfile, FilesThatAreNoProfilesNameTheirLine)
 	for(const auto& e : cases)
 	{
 		SCOPED_TRACE(e.what);
-		try
-		{
-			IesProfile::parse(e.text, "bad.ies");
-			ADD_FAILURE() << "no exception";
-		}
-		catch(const Exception& x)
-		{
-			EXPECT_EQ(std::string(x.what()), e.message);
-		}
+		EXPECT_EQ(VelornTest::failureOf<Exception>([&] { IesProfile::parse(e.text, "bad.ies"); }), e.message);
 	}
 }
 

@@ -18,6 +18,13 @@ KeyFrame key(double time, const Vec3d& pos, double angle_about_z)
 	return KeyFrame{pos, time, Vec3d(0, 0, 1), angle_about_z};
 }
 
+void expectNear(const Vec3d& actual, const Vec3d& expected)
+{
+	EXPECT_NEAR(actual.x, expected.x, 1e-9);
+	EXPECT_NEAR(actual.y, expected.y, 1e-9);
+	EXPECT_NEAR(actual.z, expected.z, 1e-9);
+}
+
 TEST(MotionPath, InterpolatesBetweenKeyframesAndHoldsBeyondThem)
 {
 	// Half a second of moving along x while turning a quarter about z, then
@@ -45,13 +52,8 @@ TEST(MotionPath, InterpolatesBetweenKeyframesAndHoldsBeyondThem)
 	{
 		SCOPED_TRACE(c.time);
 		const Placement p = path.at(c.time);
-		EXPECT_NEAR(p.position.x, c.position.x, 1e-9);
-		EXPECT_NEAR(p.position.y, c.position.y, 1e-9);
-		EXPECT_NEAR(p.position.z, c.position.z, 1e-9);
-		const Vec3d x = p.rotation * Vec3d(1, 0, 0);
-		EXPECT_NEAR(x.x, c.turned_x.x, 1e-9);
-		EXPECT_NEAR(x.y, c.turned_x.y, 1e-9);
-		EXPECT_NEAR(x.z, c.turned_x.z, 1e-9);
+		expectNear(p.position, c.position);
+		expectNear(p.rotation * Vec3d(1, 0, 0), c.turned_x);
 	}
 }
 
@@ -64,9 +66,7 @@ TEST(MotionPath, TurnsTheShortWayAndKnowsWhenItStandsStill)
 	keys.push_back(key(1, Vec3d(1, 2, 3), 350 * pi_d / 180));
 	const MotionPath turning(keys);
 	EXPECT_TRUE(turning.moves());
-	const Vec3d x = turning.at(0.5).rotation * Vec3d(1, 0, 0);
-	EXPECT_NEAR(x.x, std::cos(5 * pi_d / 180), 1e-9);
-	EXPECT_NEAR(x.y, -std::sin(5 * pi_d / 180), 1e-9);
+	expectNear(turning.at(0.5).rotation * Vec3d(1, 0, 0), Vec3d(std::cos(5 * pi_d / 180), -std::sin(5 * pi_d / 180), 0));
 
 	Vector<KeyFrame> still;
 	still.push_back(key(0, Vec3d(1, 2, 3), 0.3));

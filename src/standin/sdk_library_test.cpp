@@ -87,6 +87,13 @@ protected:
 		return object;
 	}
 
+	// The renderer r set up with root's scene into buffer; the result code.
+	static int initialiseWithScene(InterfaceBase* r, const Reference<SceneNodeRoot>& root, RenderBuffer& buffer)
+	{
+		const Vector<String> args{String("dummy.vls")};
+		return r->entry<InitialiseWithSceneFn>(RendererTable::InitialiseWithScene)(r, &root, &buffer, &args);
+	}
+
 	Reference<VelornContext> context{new VelornContext()};
 };
 
@@ -108,8 +115,7 @@ TEST_F(SdkLibrary, RendersPausesResumesStopsAndToneMaps)
 	ASSERT_TRUE(renderer.nonNull());
 	InterfaceBase* r = renderer.getPointer();
 	EXPECT_EQ(r->entry<InitialiseFn>(RendererTable::Initialise)(r, &context->sdk_dir, &context->appdata_dir), 0);
-	const Vector<String> args{String("dummy.vls")};
-	ASSERT_EQ(r->entry<InitialiseWithSceneFn>(RendererTable::InitialiseWithScene)(r, &root, buffer.getPointer(), &args), 0);
+	ASSERT_EQ(initialiseWithScene(r, root, *buffer), 0);
 
 	auto spp = [&] { return r->entry<DoubleFn>(RendererTable::GetSamplesPerPixel)(r); };
 	EXPECT_EQ(spp(), 0);
@@ -152,12 +158,8 @@ TEST_F(SdkLibrary, RendersPausesResumesStopsAndToneMaps)
 		std::lock_guard<std::mutex> lock(bytes->mutex);
 		for(uint32_t y : {0u, 5u})
 			for(uint32_t x : {0u, 3u, 7u})
-			{
-				const uint8_t* p = bytes->getPixel(x, y);
-				EXPECT_EQ(p[0], 186);
-				EXPECT_EQ(p[1], 186);
-				EXPECT_EQ(p[2], 186);
-			}
+				for(int c = 0; c < 3; ++c)
+					EXPECT_EQ(bytes->getPixel(x, y)[c], 186) << x << ", " << y;
 	}
 
 	InterfaceBase* renderer_object = r;
@@ -179,8 +181,7 @@ TEST_F(SdkLibrary, CommandsFromAnotherThreadMeetARenderBeingRebuilt)
 	Reference<RenderBuffer> buffer = new RenderBuffer(*root);
 	Reference<InterfaceBase> renderer = create("VelornInterface");
 	InterfaceBase* r = renderer.getPointer();
-	const Vector<String> args{String("dummy.vls")};
-	ASSERT_EQ(r->entry<InitialiseWithSceneFn>(RendererTable::InitialiseWithScene)(r, &root, buffer.getPointer(), &args), 0);
+	ASSERT_EQ(initialiseWithScene(r, root, *buffer), 0);
 	r->entry<VoidFn>(RendererTable::StartRendering)(r);
 
 	std::atomic<bool> rebuilding{true};
@@ -209,8 +210,7 @@ TEST_F(SdkLibrary, SceneThatCannotBeRenderedGivesAnErrorMessage)
 	Reference<RenderBuffer> buffer = new RenderBuffer(*root);
 	Reference<InterfaceBase> renderer = create("VelornInterface");
 	InterfaceBase* r = renderer.getPointer();
-	const Vector<String> args{String("dummy.vls")};
-	EXPECT_EQ(r->entry<InitialiseWithSceneFn>(RendererTable::InitialiseWithScene)(r, &root, buffer.getPointer(), &args), 1);
+	EXPECT_EQ(initialiseWithScene(r, root, *buffer), 1);
 
 	std::vector<Reference<InterfaceBase>> messages;
 	r->entry<VoidFn>(RendererTable::BeginMessages)(r);

@@ -4,6 +4,7 @@
 #include "standin/standin_test_helpers.h"
 #include "standin/tracer_scene.h"
 #include "support/exceptions.h"
+#include "support/failures.h"
 
 #include <gtest/gtest.h>
 
@@ -76,10 +77,7 @@ TEST(ShaderProgram, EvaluatesThePlugInsExpressions)
 	{
 		SCOPED_TRACE(c.name);
 		const ShaderProgram program(prologue + c.text);
-		const V3 got = program.evalColour(c.point);
-		EXPECT_NEAR(got.x, c.expected.x, 1e-5f);
-		EXPECT_NEAR(got.y, c.expected.y, 1e-5f);
-		EXPECT_NEAR(got.z, c.expected.z, 1e-5f);
+		StandinTest::expectNear(program.evalColour(c.point), c.expected, 1e-5f);
 		EXPECT_NEAR(program.evalReal(c.point), c.expected.average(), 1e-5f);
 	}
 }
@@ -132,15 +130,7 @@ TEST(ShaderProgram, RefusesWhatItCannotRead)
 	for(const auto& c : cases)
 	{
 		SCOPED_TRACE(c.text);
-		try
-		{
-			ShaderProgram program(c.text);
-			ADD_FAILURE() << "no exception";
-		}
-		catch(const Exception& e)
-		{
-			EXPECT_EQ(e.what(), c.message);
-		}
+		EXPECT_EQ(VelornTest::failureOf<Exception>([&] { ShaderProgram program(c.text); }), c.message);
 	}
 }
 
@@ -176,20 +166,7 @@ TEST(ShaderProgram, MaterialChannelsUseTheirShaders)
 		node->setName("sphere");
 		addSphere(*root, Vec3d(0, 0, 0), 1, node);
 		const TracerScene scene(*root, ".");
-		V3 sum(0);
-		const int paths = 4000;
-		std::vector<V3> layers(1);
-		for(int i = 0; i < paths; ++i)
-		{
-			Rng rng(3, (uint64_t)i);
-			layers[0] = V3(0);
-			bool hit = false;
-			scene.radiance(Ray{V3(0, -5, 0), V3(0, 1, 0)}, rng, layers, hit);
-			sum += layers[0];
-		}
-		EXPECT_NEAR(sum.x / paths, c.expected.x, 0.02f);
-		EXPECT_NEAR(sum.y / paths, c.expected.y, 0.02f);
-		EXPECT_NEAR(sum.z / paths, c.expected.z, 0.02f);
+		expectNear(meanLayers(scene, Ray{V3(0, -5, 0), V3(0, 1, 0)}, 4000, 3)[0], c.expected, 0.02f);
 		if(c.warning.empty())
 			EXPECT_TRUE(scene.getWarnings().empty());
 		else

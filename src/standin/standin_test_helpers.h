@@ -17,6 +17,12 @@
 #include "scene/rotation.h"
 #include "scene/scene_node_sphere.h"
 #include "scene/wavelength_values.h"
+#include "standin/tracer_scene.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
 
 namespace Velorn
 {
@@ -127,6 +133,36 @@ inline void addUniformBackground(SceneNodeRoot& root, double value, unsigned lay
 	Reference<SceneNodeBackgroundSettings> background = new SceneNodeBackgroundSettings();
 	background->background_material = emitter(value, layer);
 	root.addChildNode(background);
+}
+
+// The mean radiance of each layer over paths along one ray; path i draws
+// from stream i of the seed. Summed in doubles: long runs of floats drift.
+inline std::vector<Standin::V3> meanLayers(const Standin::TracerScene& scene, const Standin::Ray& ray, int paths,
+	uint64_t seed)
+{
+	const size_t count = scene.getSettings().layer_count;
+	std::vector<double> sum(3 * count, 0.0);
+	std::vector<Standin::V3> layers(count);
+	for(int i = 0; i < paths; ++i)
+	{
+		Standin::Rng rng(seed, (uint64_t)i);
+		std::fill(layers.begin(), layers.end(), Standin::V3(0));
+		bool hit = false;
+		scene.radiance(ray, rng, layers, hit);
+		for(size_t l = 0; l < count; ++l)
+			for(int c = 0; c < 3; ++c)
+				sum[3 * l + c] += layers[l][c];
+	}
+	for(size_t l = 0; l < count; ++l)
+		layers[l] = Standin::V3((float)(sum[3 * l] / paths), (float)(sum[3 * l + 1] / paths), (float)(sum[3 * l + 2] / paths));
+	return layers;
+}
+
+inline void expectNear(const Standin::V3& actual, const Standin::V3& expected, float tolerance)
+{
+	EXPECT_NEAR(actual.x, expected.x, tolerance);
+	EXPECT_NEAR(actual.y, expected.y, tolerance);
+	EXPECT_NEAR(actual.z, expected.z, tolerance);
 }
 
 } // namespace StandinTest

@@ -5,10 +5,12 @@
 #include "standin/standin_test_helpers.h"
 #include "standin/tracer_scene.h"
 #include "support/exceptions.h"
+#include "support/failures.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 
 namespace Velorn
@@ -28,21 +30,21 @@ double furnace(SceneNodeRoot& root, const Reference<SceneNodeMaterial>& material
 	addSphere(root, Vec3d(0, 0, 0), 1, material);
 	TracerScene scene(root, ".");
 	double sum = 0;
-	int n = 0;
-	std::vector<V3> layers(1);
 	for(const V3 target : {V3(0, 0, 0), V3(0.6f, 0, 0.2f), V3(-0.3f, 0, -0.7f)})
-	{
-		const Ray ray{V3(0, -5, 0), normalise(target - V3(0, -5, 0))};
-		for(int i = 0; i < paths; ++i)
-		{
-			Rng rng(11, (uint64_t)n++);
-			layers[0] = V3(0);
-			bool hit = false;
-			scene.radiance(ray, rng, layers, hit);
-			sum += layers[0].average();
-		}
-	}
-	return sum / n;
+		sum += meanLayers(scene, Ray{V3(0, -5, 0), normalise(target - V3(0, -5, 0))}, paths, 11)[0].average();
+	return sum / 3;
+}
+
+// A Phong surface of exponent 100: a dielectric over a diffuse base, or a
+// metal where the specular reflectivity is given.
+Reference<Material> phong(const Reference<WavelengthDependentParam>& diffuse_albedo,
+	const Reference<WavelengthDependentParam>& specular_reflectivity)
+{
+	Reference<PhongMaterial> m = new PhongMaterial();
+	m->diffuse_albedo = diffuse_albedo;
+	m->specular_reflectivity = specular_reflectivity;
+	m->exponent = new ConstantWavelengthIndependentParam(100);
+	return m;
 }
 
 Reference<SceneNodeRoot> newRoot() { return makeRoot(4, 4, Vec3d(0, -5, 0), Vec3d(0, 1, 0)); }
@@ -67,22 +69,8 @@ TEST(SurfaceMaterials, FurnaceValuesOfEachKind)
 				return Reference<Material>(m);
 			},
 			0.6, 0.015},
-		{"Phong dielectric over a white base",
-			[](SceneNodeRoot&) {
-				Reference<PhongMaterial> m = new PhongMaterial();
-				m->diffuse_albedo = grey(1);
-				m->exponent = new ConstantWavelengthIndependentParam(100);
-				return Reference<Material>(m);
-			},
-			1.0, 0.03},
-		{"Phong metal",
-			[](SceneNodeRoot&) {
-				Reference<PhongMaterial> m = new PhongMaterial();
-				m->specular_reflectivity = grey(0.8);
-				m->exponent = new ConstantWavelengthIndependentParam(100);
-				return Reference<Material>(m);
-			},
-			0.8, 0.03},
+		{"Phong dielectric over a white base", [](SceneNodeRoot&) { return phong(grey(1), nullptr); }, 1.0, 0.03},
+		{"Phong metal", [](SceneNodeRoot&) { return phong(nullptr, grey(0.8)); }, 0.8, 0.03},
 		{"mirror", [](SceneNodeRoot& root) { return Reference<Material>(specular(root, false, 1.5)); }, 1.0, 1e-6},
 		{"glass", [](SceneNodeRoot& root) { return Reference<Material>(specular(root, true, 1.5)); }, 1.0, 0.01},
 		{"blend of white and black, a quarter black",
@@ -140,10 +128,7 @@ TEST(SurfaceMaterials, TextureFromAPNGFile)
 	// 2.2th power 0.21952 with exponent 2.2; b and c scale and lift it.
 	VelornTest::TempDir dir;
 	Bitmap bitmap(2, 2, 3);
-	for(uint32_t y = 0; y < 2; ++y)
-		for(uint32_t x = 0; x < 2; ++x)
-			for(int i = 0; i < 3; ++i)
-				bitmap.getPixel(x, y)[i] = 128;
+	std::fill(bitmap.getPixel(0, 0), bitmap.getPixel(0, 0) + 12, 128);
 	writePNG(dir.file("grey.png"), bitmap);
 	const struct
 	{
@@ -210,50 +195,34 @@ TEST(SurfaceMaterials, BumpAndNormalMapTiltTheNormalTheirWay)
 		ASSERT_TRUE(library.shader_warnings.empty());
 		ShadePoint sp;
 		sp.position = V3(0.3f, 0.2f, 0);
-		const V3 n = reliefNormal(*shading, sp, V3(0, 0, 1), c.derivatives[0], c.derivatives[1]);
-		const V3 e = normalise(c.expected);
-		EXPECT_NEAR(n.x, e.x, 1e-3f);
-		EXPECT_NEAR(n.y, e.y, 1e-3f);
-		EXPECT_NEAR(n.z, e.z, 1e-3f);
+		expectNear(reliefNormal(*shading, sp, V3(0, 0, 1), c.derivatives[0], c.derivatives[1]), normalise(c.expected), 1e-3f);
 	}
 }
 
-TEST(SurfaceMaterials, KindsWithoutASurfaceAreRefused)
+TEST(SurfaceMaterials, MaterialsItCannotRenderAreRefused)
 {
-	Reference<SceneNodeRoot> root = newRoot();
 	Reference<SunSkyMaterial> sunsky = new SunSkyMaterial();
-	sunsky->name = "Sky";
-	Reference<SceneNodeMaterial> node = addMaterial(*root, sunsky);
-	node->setName("Sky");
-	addSphere(*root, Vec3d(0, 0, 0), 1, node);
-	try
-	{
-		TracerScene scene(*root, ".");
-		ADD_FAILURE() << "a sun and sky on a surface was accepted";
-	}
-	catch(const Exception& e)
-	{
-		EXPECT_EQ(e.what(), "Material 'Sky' is of kind 'sunsky', which this renderer does not support.");
-	}
-}
-
-TEST(SurfaceMaterials, MissingTextureFileIsAnError)
-{
-	Reference<SceneNodeRoot> root = newRoot();
-	Reference<DiffuseMaterial> m = new DiffuseMaterial();
+	Reference<DiffuseMaterial> textured = new DiffuseMaterial();
 	Texture texture;
 	texture.path = "/nonexistent/wood.png";
-	m->textures.push_back(texture);
-	m->albedo = new TextureWavelengthDependentParam(0);
-	addSphere(*root, Vec3d(0, 0, 0), 1, addMaterial(*root, m));
-	try
+	textured->textures.push_back(texture);
+	textured->albedo = new TextureWavelengthDependentParam(0);
+	const struct
 	{
-		TracerScene scene(*root, ".");
-		ADD_FAILURE() << "no exception";
-	}
-	catch(const Exception& e)
+		Reference<Material> material;
+		const char* message;
+	} cases[] = {
+		{sunsky, "Material 'Sky' is of kind 'sunsky', which this renderer does not support."},
+		{textured, "Could not open image file '/nonexistent/wood.png'."},
+	};
+	for(const auto& c : cases)
 	{
-		EXPECT_EQ(e.what(), "Could not open image file '/nonexistent/wood.png'.");
+		SCOPED_TRACE(c.message);
+		Reference<SceneNodeRoot> root = newRoot();
+		Reference<SceneNodeMaterial> node = addMaterial(*root, c.material);
+		node->setName("Sky");
+		addSphere(*root, Vec3d(0, 0, 0), 1, node);
+		EXPECT_EQ(VelornTest::failureOf<Exception>([&] { TracerScene scene(*root, "."); }), c.message);
 	}
 }
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace Velorn
 {
@@ -66,10 +67,7 @@ TEST(ToneMapping, EachKindGivesTheBytesWorkedOutByHand)
 		ASSERT_EQ(out.getWidth(), 3u);
 		ASSERT_EQ(out.getBytesPP(), 4u);
 		const uint8_t* p = out.getPixel(2, 1);
-		EXPECT_EQ(p[0], c.expected);
-		EXPECT_EQ(p[1], c.expected);
-		EXPECT_EQ(p[2], c.expected);
-		EXPECT_EQ(p[3], 255);
+		EXPECT_EQ(std::vector<int>(p, p + 4), (std::vector<int>{c.expected, c.expected, c.expected, 255}));
 	}
 }
 

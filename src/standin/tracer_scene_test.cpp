@@ -4,6 +4,7 @@
 #include "standin/standin_test_helpers.h"
 #include "standin/tracer_scene.h"
 #include "support/exceptions.h"
+#include "support/failures.h"
 
 #include <gtest/gtest.h>
 
@@ -19,21 +20,7 @@ namespace
 
 using namespace StandinTest;
 
-// The mean over n paths along one ray of layer 0.
-double meanRadiance(const TracerScene& scene, const Ray& ray, int n, uint64_t seed = 7)
-{
-	double sum = 0;
-	std::vector<V3> layers(scene.getSettings().layer_count);
-	for(int i = 0; i < n; ++i)
-	{
-		Rng rng(seed, (uint64_t)i);
-		std::fill(layers.begin(), layers.end(), V3(0));
-		bool hit = false;
-		scene.radiance(ray, rng, layers, hit);
-		sum += layers[0].average();
-	}
-	return sum / n;
-}
+double meanRadiance(const TracerScene& scene, const Ray& ray, int n) { return meanLayers(scene, ray, n, 7)[0].average(); }
 
 TEST(TracerScene, WhiteFurnaceGivesAlbedoTimesBackground)
 {
@@ -137,6 +124,25 @@ TEST(TracerScene, LightLayersSumToTheWhole)
 	EXPECT_GT(layer1_total, 0);
 }
 
+// A ray straight down from origin meets the scene expected away, or
+// nothing where expected is negative; occlusion queries, never camera rays,
+// agree with the rays that are not either.
+void expectDownwardHit(const TracerScene& scene, const V3& origin, float time, float expected, bool camera_ray = false)
+{
+	RTCRayHit hit;
+	const V3 down(0, 0, -1);
+	const bool found = scene.intersect(origin, down, 0, 100, time, hit, camera_ray);
+	EXPECT_EQ(found, expected >= 0) << hit.ray.tfar;
+	if(found && expected >= 0)
+	{
+		EXPECT_NEAR(hit.ray.tfar, expected, 1e-4f);
+	}
+	if(!camera_ray)
+	{
+		EXPECT_EQ(scene.occluded(origin, down, 0, 100, time), expected >= 0);
+	}
+}
+
 // The UID of the root's first child of this type.
 UID uidOfFirst(const SceneNodeRoot& root, unsigned type)
 {
@@ -200,23 +206,7 @@ TEST(TracerScene, SectionPlanesCutAwayTheirFrontSide)
 			plane->object_list.push_back(uidOfFirst(*root, SceneNodeType::Sphere));
 		}
 		root->addChildNode(plane);
-		TracerScene scene(*root, ".");
-
-		RTCRayHit hit;
-		const V3 origin(c.x, 0, 5), down(0, 0, -1);
-		const bool found = scene.intersect(origin, down, 0, 100, 0, hit, c.camera_ray);
-		if(c.expected < 0)
-			EXPECT_FALSE(found) << hit.ray.tfar;
-		else
-		{
-			ASSERT_TRUE(found);
-			EXPECT_NEAR(hit.ray.tfar, c.expected, 1e-4f);
-		}
-		// Occlusion queries are never camera rays.
-		if(!c.camera_ray)
-		{
-			EXPECT_EQ(scene.occluded(origin, down, 0, 100, 0), c.expected >= 0);
-		}
+		expectDownwardHit(TracerScene(*root, "."), V3(c.x, 0, 5), 0, c.expected, c.camera_ray);
 	}
 }
 
@@ -257,41 +247,16 @@ TEST(TracerScene, MovingGeometryStandsWhereItsKeyframesPutItAtTheRaysTime)
 	for(const auto& c : cases)
 	{
 		SCOPED_TRACE(c.name);
-		RTCRayHit hit;
-		const V3 origin(c.x, c.y, 5), down(0, 0, -1);
-		const bool found = scene.intersect(origin, down, 0, 100, c.time, hit);
-		EXPECT_EQ(found, c.expected >= 0);
-		if(found && c.expected >= 0)
-		{
-			EXPECT_NEAR(hit.ray.tfar, c.expected, 1e-4f);
-		}
-		EXPECT_EQ(scene.occluded(origin, down, 0, 100, c.time), c.expected >= 0);
+		expectDownwardHit(scene, V3(c.x, c.y, 5), c.time, c.expected);
 	}
 }
 
+// Widths out of range are refused through the library and the executable.
 TEST(TracerScene, RejectsWhatItCannotRender)
 {
-	const struct
-	{
-		int width, height;
-		const char* message;
-	} cases[] = {
-		{0, 10, "Image size 0 x 10 is out of range (1 to 16384 pixels a side)."},
-		{10, 20000, "Image size 10 x 20000 is out of range (1 to 16384 pixels a side)."},
-	};
-	for(const auto& c : cases)
-	{
-		Reference<SceneNodeRoot> root = makeRoot(c.width, c.height, Vec3d(0, -5, 0), Vec3d(0, 1, 0));
-		try
-		{
-			TracerScene scene(*root, ".");
-			ADD_FAILURE() << "no exception for " << c.width << " x " << c.height;
-		}
-		catch(const Exception& e)
-		{
-			EXPECT_EQ(e.what(), c.message);
-		}
-	}
+	Reference<SceneNodeRoot> root = makeRoot(10, 20000, Vec3d(0, -5, 0), Vec3d(0, 1, 0));
+	EXPECT_EQ(VelornTest::failureOf<Exception>([&] { TracerScene scene(*root, "."); }),
+		"Image size 10 x 20000 is out of range (1 to 16384 pixels a side).");
 }
 
 TEST(ProgressiveRender, CountsEveryRayCast)

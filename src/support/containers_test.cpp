@@ -28,17 +28,14 @@ struct TrackedShared : public ThreadSafeRefCounted
 
 TEST(Containers, VectorGrowsByHalfItsCapacity)
 {
+	// The second push makes max(2, 1 + 1 / 2) = 2.
 	Vector<int> v;
-	v.push_back(1);
-	EXPECT_EQ(v.capacity(), 1u);
-	v.push_back(2);
-	EXPECT_EQ(v.capacity(), 2u); // max(2, 1 + 0)
-	v.push_back(3);
-	EXPECT_EQ(v.capacity(), 3u);
-	v.push_back(4);
-	EXPECT_EQ(v.capacity(), 4u);
-	v.push_back(5);
-	EXPECT_EQ(v.capacity(), 6u);
+	const size_t capacities[] = {1, 2, 3, 4, 6};
+	for(int i = 0; i < 5; ++i)
+	{
+		v.push_back(i + 1);
+		EXPECT_EQ(v.capacity(), capacities[i]) << i;
+	}
 	v.resize(20);
 	EXPECT_EQ(v.capacity(), 20u);
 	EXPECT_EQ(v[19], 0);

@@ -124,17 +124,38 @@ TEST(StringUtils, BytesAndPaths)
 	EXPECT_EQ(UTF16ToUTF8(std::u16string{0xD800}), "\xEF\xBF\xBD");
 }
 
+// Each prefix reader against its cases: whether it reads a number, and if
+// so the number and how far it went.
+template <class T>
+struct PrefixCase
+{
+	const char* text;
+	bool ok;
+	T value;
+	size_t consumed;
+};
+
+template <class T, size_t N, class Parse>
+void expectPrefixes(const PrefixCase<T> (&cases)[N], Parse parse)
+{
+	for(const PrefixCase<T>& c : cases)
+	{
+		SCOPED_TRACE(c.text);
+		T value = 0;
+		size_t consumed = 0;
+		ASSERT_EQ(parse(c.text, std::strlen(c.text), value, consumed), c.ok);
+		if(c.ok)
+		{
+			EXPECT_EQ(value, c.value);
+			EXPECT_EQ(consumed, c.consumed);
+		}
+	}
+}
+
 // The prefix forms report how far the number went, for readers that go on.
 TEST(StringUtils, NumberPrefixes)
 {
-	struct DoubleCase
-	{
-		const char* text;
-		bool ok;
-		double value;
-		size_t consumed;
-	};
-	const DoubleCase doubles[] = {
+	const PrefixCase<double> doubles[] = {
 		{"3.5x", true, 3.5, 3},
 		{"-1e-7 2", true, -1e-7, 5},
 		{"1,5", true, 1, 1},
@@ -144,32 +165,14 @@ TEST(StringUtils, NumberPrefixes)
 		{"NaN", false, 0, 0},
 		{"x1", false, 0, 0},
 	};
-	for(const DoubleCase& c : doubles)
-	{
-		SCOPED_TRACE(c.text);
-		double value = 0;
-		size_t consumed = 0;
-		ASSERT_EQ(parseDoublePrefix(c.text, std::strlen(c.text), value, consumed), c.ok);
-		if(c.ok)
-		{
-			EXPECT_EQ(value, c.value);
-			EXPECT_EQ(consumed, c.consumed);
-		}
-	}
+	expectPrefixes(doubles, parseDoublePrefix);
 	// The length bounds the reading: "12" of "123".
 	double value = 0;
 	size_t consumed = 0;
 	ASSERT_TRUE(parseDoublePrefix("123", 2, value, consumed));
 	EXPECT_EQ(value, 12);
 
-	struct IntCase
-	{
-		const char* text;
-		bool ok;
-		int64_t value;
-		size_t consumed;
-	};
-	const IntCase ints[] = {
+	const PrefixCase<int64_t> ints[] = {
 		{"12abc", true, 12, 2},
 		{"-42 ", true, -42, 3},
 		{"+7", true, 7, 2},
@@ -181,15 +184,5 @@ TEST(StringUtils, NumberPrefixes)
 		{"", false, 0, 0},
 		{" 1", false, 0, 0},
 	};
-	for(const IntCase& c : ints)
-	{
-		SCOPED_TRACE(c.text);
-		int64_t number = 0;
-		ASSERT_EQ(parseInt64Prefix(c.text, std::strlen(c.text), number, consumed), c.ok);
-		if(c.ok)
-		{
-			EXPECT_EQ(number, c.value);
-			EXPECT_EQ(consumed, c.consumed);
-		}
-	}
+	expectPrefixes(ints, parseInt64Prefix);
 }

@@ -92,6 +92,16 @@ private:
 	std::thread::id& deleted_on;
 };
 
+// A gated thread launched, with the signals that it waits for and raises.
+struct LaunchedGatedThread
+{
+	Signal gate, deleted;
+	std::thread::id deleted_on;
+	Reference<GatedThread> thread = new GatedThread(gate, deleted, deleted_on);
+
+	LaunchedGatedThread() { thread->launch(); }
+};
+
 } // namespace
 
 TEST(Threads, ConditionIsAManualResetEvent)
@@ -138,35 +148,29 @@ TEST(Threads, MutexExcludesAndMayBeTakenAgain)
 
 TEST(Threads, ThreadDroppedByItsCreatorDeletesItself)
 {
-	Signal gate, deleted;
-	std::thread::id deleted_on;
-	Reference<GatedThread> thread = new GatedThread(gate, deleted, deleted_on);
-	thread->launch();
-	thread = nullptr;
+	LaunchedGatedThread t;
+	t.thread = nullptr;
 	// The running thread holds its own count.
-	EXPECT_FALSE(deleted.waitFor(0.05));
-	gate.raise();
-	ASSERT_TRUE(deleted.waitFor(60));
-	EXPECT_NE(deleted_on, std::this_thread::get_id());
+	EXPECT_FALSE(t.deleted.waitFor(0.05));
+	t.gate.raise();
+	ASSERT_TRUE(t.deleted.waitFor(60));
+	EXPECT_NE(t.deleted_on, std::this_thread::get_id());
 }
 
 TEST(Threads, JoinedThreadOutlivesItsThread)
 {
-	Signal gate, deleted;
-	std::thread::id deleted_on;
-	Reference<GatedThread> thread = new GatedThread(gate, deleted, deleted_on);
-	thread->launch();
-	EXPECT_EQ(thread->getRefCount(), 2u);
-	thread->setPriority(1);
-	thread->setPriority(0);
-	gate.raise();
-	thread->join();
-	thread->join();
-	EXPECT_EQ(thread->getRefCount(), 1u) << "the thread gave its count back";
-	EXPECT_FALSE(deleted.raised);
-	thread = nullptr;
-	EXPECT_TRUE(deleted.raised);
-	EXPECT_EQ(deleted_on, std::this_thread::get_id());
+	LaunchedGatedThread t;
+	EXPECT_EQ(t.thread->getRefCount(), 2u);
+	t.thread->setPriority(1);
+	t.thread->setPriority(0);
+	t.gate.raise();
+	t.thread->join();
+	t.thread->join();
+	EXPECT_EQ(t.thread->getRefCount(), 1u) << "the thread gave its count back";
+	EXPECT_FALSE(t.deleted.raised);
+	t.thread = nullptr;
+	EXPECT_TRUE(t.deleted.raised);
+	EXPECT_EQ(t.deleted_on, std::this_thread::get_id());
 }
 
 namespace

@@ -29,6 +29,14 @@ void writeFile(const std::string& path, const std::string& bytes)
 	ASSERT_TRUE(out.good()) << "cannot write " << path;
 }
 
+std::string replacedAll(std::string text, const std::string& from, const std::string& to)
+{
+	EXPECT_NE(text.find(from), std::string::npos) << "\"" << from << "\" does not occur";
+	for(size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+		text.replace(at, from.size(), to);
+	return text;
+}
+
 std::string testDataPath(const std::string& relative) { return std::string(VELORN_TEST_DATA_DIR) + "/" + relative; }
 
 namespace
@@ -42,9 +50,11 @@ std::string lineAt(const std::string& text, size_t line_start)
 
 } // namespace
 
+std::string goldenFile(const std::string& name) { return readFile(testDataPath("golden/" + name)); }
+
 void expectMatchesGolden(const std::string& actual, const std::string& name)
 {
-	const std::string expected = readFile(testDataPath("golden/" + name));
+	const std::string expected = goldenFile(name);
 	if(actual == expected)
 		return;
 	size_t i = 0;

@@ -10,8 +10,16 @@ namespace VelornTest
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& bytes);
 
+// text with every occurrence of from replaced by to. Fails the test when
+// from does not occur, so that an expectation built from it cannot pass by
+// leaving the text as it was.
+std::string replacedAll(std::string text, const std::string& from, const std::string& to);
+
 // Path of a file under tests/, independent of the working directory.
 std::string testDataPath(const std::string& relative);
+
+// The content of the golden file tests/golden/<name>.
+std::string goldenFile(const std::string& name);
 
 // Compares text with the golden file tests/golden/<name> byte for byte and
 // reports the first line that differs.
