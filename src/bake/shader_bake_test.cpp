@@ -2,24 +2,15 @@
 
 #include "c4d/base_bitmap.h"
 #include "c4d/base_document.h"
+#include "c4d/picture_test_helpers.h"
 #include "shaders/shader_test_helpers.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <string>
 
 namespace
 {
-
-using Rgb = std::array<int, 3>;
-
-Rgb pixelOf(const BaseBitmap& bmp, int32_t x, int32_t y)
-{
-	uint16_t r, g, b;
-	bmp.GetPixel(x, y, &r, &g, &b);
-	return {r, g, b};
-}
 
 // A colour from 0 to 1 as the bytes a bake stores.
 Rgb bytesOf(const Vector& colour)

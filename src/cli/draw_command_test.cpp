@@ -1,12 +1,11 @@
 #include "cli/draw_command.h"
 
 #include "c4d/base_bitmap.h"
+#include "c4d/picture_test_helpers.h"
 #include "support/exceptions.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
-
-#include <vector>
 
 TEST(DrawCommand, ViewSize)
 {
@@ -40,11 +39,8 @@ TEST(DrawCommand, DrawsTheExampleView)
 	ASSERT_EQ(bmp.Init(Filename(options.image.c_str())), IMAGERESULT_OK);
 	EXPECT_EQ(bmp.GetBw(), 640);
 	EXPECT_EQ(bmp.GetBh(), 400);
-	uint16_t r, g, b;
-	bmp.GetPixel(380, 121, &r, &g, &b);
-	EXPECT_EQ(std::vector<int>({r, g, b}), std::vector<int>({255, 0, 0}));
-	bmp.GetPixel(380, 125, &r, &g, &b);
-	EXPECT_NE(std::vector<int>({r, g, b}), std::vector<int>({255, 0, 0}));
+	EXPECT_EQ(pixelOf(bmp, 380, 121), (Rgb{255, 0, 0}));
+	EXPECT_NE(pixelOf(bmp, 380, 125), (Rgb{255, 0, 0}));
 
 	options.document = VelornTest::testDataPath("../examples/no such document.json");
 	EXPECT_THROW(DrawCommand::run(options), Velorn::MessageException);

@@ -4,6 +4,7 @@
 
 #include "c4d/base_tag.h"
 #include "c4d/bitmap_gadget.h"
+#include "c4d/picture_test_helpers.h"
 #include "c4d/host_paths.h"
 #include "c4d/messages.h"
 #include "host/host_test_helpers.h"
@@ -158,9 +159,7 @@ TEST_F(IesPreviewTest, RendersTheTemplateWithTheProfileAndShowsItWithPosixLineEn
 	const BaseBitmap* shown = gadgetBitmap(tag, holder);
 	ASSERT_NE(shown, nullptr);
 	EXPECT_EQ(shown->GetBw(), 4);
-	uint16_t r, g, b;
-	shown->GetPixel(3, 3, &r, &g, &b);
-	EXPECT_EQ(std::vector<uint16_t>({r, g, b}), std::vector<uint16_t>({255, 128, 0}));
+	EXPECT_EQ(pixelOf(*shown, 3, 3), (Rgb{255, 128, 0}));
 	// Setting the gadget stores nothing in the tag.
 	EXPECT_TRUE(tag->SetParameter(DescID(lt_preview_gadget), GeData(5)));
 	EXPECT_EQ(tag->GetDataInstance()->GetData(lt_preview_gadget).GetType(), DA_NIL);

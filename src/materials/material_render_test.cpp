@@ -3,6 +3,7 @@
 
 #include "c4d/base_bitmap.h"
 #include "c4d/base_shader.h"
+#include "c4d/picture_test_helpers.h"
 #include "materials/material_test_helpers.h"
 
 #include <cmath>
@@ -152,9 +153,7 @@ TEST_F(MaterialRender, ViewportImage)
 	ASSERT_NE(image, nullptr);
 	EXPECT_EQ(image->GetBw(), EDITOR_IMAGE_SIZE);
 	EXPECT_EQ(image->GetBt(), 24);
-	uint16_t r, g, b;
-	image->GetPixel(EDITOR_IMAGE_SIZE - 1, 3, &r, &g, &b);
-	EXPECT_EQ(std::vector<int>({r, g, b}), std::vector<int>({204, 102, 51}));
+	EXPECT_EQ(pixelOf(*image, EDITOR_IMAGE_SIZE - 1, 3), (Rgb{204, 102, 51}));
 
 	BaseMaterial* shaded = newMaterial();
 	linkColour(shaded, MAT_ALBEDO_LINK, Vector(2, -1, 0.5));
@@ -164,8 +163,7 @@ TEST_F(MaterialRender, ViewportImage)
 	BaseBitmap bmp;
 	ASSERT_EQ(bmp.Init(3, 2, 24), IMAGERESULT_OK);
 	ASSERT_TRUE(plugin(shaded)->InitGLImage(shaded, doc, nullptr, &bmp));
-	bmp.GetPixel(2, 1, &r, &g, &b);
-	EXPECT_EQ(std::vector<int>({r, g, b}), std::vector<int>({255, 0, 127}));
+	EXPECT_EQ(pixelOf(bmp, 2, 1), (Rgb{255, 0, 127}));
 	ASSERT_EQ(bmp.GetBt(), 32);
 	uint16_t alpha;
 	bmp.GetAlphaPixel(bmp.GetInternalChannel(), 1, 1, &alpha);
