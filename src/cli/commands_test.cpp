@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <vector>
 
 using namespace Velorn;
 
@@ -64,12 +65,21 @@ TEST(MeshCommands, InfoDescribesAndConvertWritesVlmesh)
 	// 4 + name 3 + 4 vertices and normals of 12 + one uv pair of 8 + a quad of 36.
 	EXPECT_NE(info.find("byte count: 147\n"), std::string::npos) << info;
 
+	// The OBJ file's counter-clockwise quad is turned to a scene's winding;
+	// a .vlmesh file is copied as it is.
 	EXPECT_EQ(MeshCommands::convert(dir.file("quad.obj"), dir.file("quad.vlmesh")),
-		"Wrote " + dir.file("quad.vlmesh") + " (4 vertices, 0 triangles, 1 quads)");
+		"Wrote " + dir.file("quad.vlmesh") +
+			" (4 vertices, 0 triangles, 1 quads; polygons turned to wind clockwise, as scene meshes do)");
 	Mesh converted;
 	readMeshFromFile(dir.file("quad.vlmesh"), converted);
-	EXPECT_EQ(converted.quads.size(), 1u);
-	EXPECT_EQ(MeshCommands::info(dir.file("quad.vlmesh")), info);
+	ASSERT_EQ(converted.quads.size(), 1u);
+	EXPECT_EQ(std::vector<uint32_t>(converted.quads[0].vertex_indices, converted.quads[0].vertex_indices + 4),
+		(std::vector<uint32_t>{0, 3, 2, 1}));
+	const std::string turned_info = MeshCommands::info(dir.file("quad.vlmesh"));
+	EXPECT_EQ(turned_info.substr(0, turned_info.find("checksum")), info.substr(0, info.find("checksum")));
+	EXPECT_EQ(MeshCommands::convert(dir.file("quad.vlmesh"), dir.file("copy.vlmesh")),
+		"Wrote " + dir.file("copy.vlmesh") + " (4 vertices, 0 triangles, 1 quads)");
+	EXPECT_EQ(MeshCommands::info(dir.file("copy.vlmesh")), turned_info);
 
 	EXPECT_EQ(VelornTest::failureOf([&] { MeshCommands::convert(dir.file("quad.obj"), dir.file("quad.bin")); }),
 		"The output file must end in .vlmesh: '" + dir.file("quad.bin") + "'");

@@ -6,6 +6,8 @@
 #include "support/exceptions.h"
 #include "support/string_utils.h"
 
+#include <utility>
+
 namespace Velorn
 {
 namespace MeshCommands
@@ -35,6 +37,22 @@ std::string materialNames(const Mesh& mesh)
 	return mesh.used_materials.empty() ? names : names + ")";
 }
 
+// Turns every polygon to the other winding: its first corner stays and the
+// others run backwards, with their texture coordinates.
+void turnWinding(Mesh& mesh)
+{
+	for(MeshTriangle& t : mesh.triangles)
+	{
+		std::swap(t.vertex_indices[1], t.vertex_indices[2]);
+		std::swap(t.uv_indices[1], t.uv_indices[2]);
+	}
+	for(MeshQuad& q : mesh.quads)
+	{
+		std::swap(q.vertex_indices[1], q.vertex_indices[3]);
+		std::swap(q.uv_indices[1], q.uv_indices[3]);
+	}
+}
+
 } // namespace
 
 std::string info(const std::string& path)
@@ -55,9 +73,13 @@ std::string convert(const std::string& in_path, const std::string& out_path)
 	if(!hasExtension(out_path, "vlmesh"))
 		throw ModelFormatDecoderExcep("The output file must end in .vlmesh: '" + out_path + "'");
 	Reference<Mesh> mesh = load(in_path);
+	const bool turned = windsCounterClockwise(in_path);
+	if(turned)
+		turnWinding(*mesh);
 	writeMeshToFile(out_path, *mesh);
 	return "Wrote " + out_path + " (" + count(mesh->verts.size()) + " vertices, " + count(mesh->triangles.size()) +
-		   " triangles, " + count(mesh->quads.size()) + " quads)";
+		   " triangles, " + count(mesh->quads.size()) + " quads" +
+		   (turned ? "; polygons turned to wind clockwise, as scene meshes do)" : ")");
 }
 
 } // namespace MeshCommands

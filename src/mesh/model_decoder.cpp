@@ -66,4 +66,6 @@ const ModelDecoder& findDecoder(const std::string& path)
 
 void loadModel(const std::string& path, Mesh& mesh, float scale) { findDecoder(path).streamModel(path, mesh, scale); }
 
+bool windsCounterClockwise(const std::string& path) { return hasExtension(path, "obj") || hasExtension(path, "ply"); }
+
 } // namespace Velorn

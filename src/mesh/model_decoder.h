@@ -32,6 +32,11 @@ const ModelDecoder& findDecoder(const std::string& path);
 // Reads a model file with the decoder that its extension selects.
 void loadModel(const std::string& path, Mesh& mesh, float scale);
 
+// True for OBJ and PLY files, which wind a polygon counter-clockwise seen
+// from its front, as the tools that write them do. A scene's own meshes
+// (.vlmesh) keep the host's winding: clockwise seen from the front.
+bool windsCounterClockwise(const std::string& path);
+
 // Runs decode and raises the mesh's own failures (VelornException) again as
 // ModelFormatDecoderExcep with the same text, so that callers of a decoder
 // catch one exception type.

@@ -1,6 +1,7 @@
 #include "standin/tracer_scene.h"
 
 #include "mesh/mesh.h"
+#include "mesh/model_decoder.h"
 #include "scene/rotation.h"
 #include "scene/scene_node_camera.h"
 #include "scene/scene_node_material.h"
@@ -354,9 +355,15 @@ void TracerScene::addModels(const SceneNodeRoot& root, const std::string& scene_
 		for(const Reference<SceneNodeMaterial>& material : model.materials)
 			model_materials.push_back(materials.get(material.getPointer()));
 
+		// Corners in the order of a scene's winding: the triangles of OBJ
+		// and PLY files are turned, so that they face where their files'
+		// normals point.
+		const int corner_order[2][3] = {{0, 1, 2}, {0, 2, 1}};
+		const int* corners = corner_order[windsCounterClockwise(mesh_node.path.str()) ? 1 : 0];
 		auto addTriangle = [&](const uint32_t* v, const uint32_t* uv, uint32_t mat_index) {
-			for(int i = 0; i < 3; ++i)
+			for(int k = 0; k < 3; ++k)
 			{
+				const int i = corners[k];
 				placed.indices.push_back(v[i]);
 				float u = 0, w = 0;
 				if(mesh.num_uv_mappings > 0)

@@ -1,3 +1,4 @@
+#include "mesh/mesh_file.h"
 #include "scene/materials_other.h"
 #include "scene/scene_node_section_plane.h"
 #include "standin/progressive_render.h"
@@ -5,6 +6,7 @@
 #include "standin/tracer_scene.h"
 #include "support/exceptions.h"
 #include "support/failures.h"
+#include "support/test_files.h"
 
 #include <gtest/gtest.h>
 
@@ -248,6 +250,49 @@ TEST(TracerScene, MovingGeometryStandsWhereItsKeyframesPutItAtTheRaysTime)
 	{
 		SCOPED_TRACE(c.name);
 		expectDownwardHit(scene, V3(c.x, c.y, 5), c.time, c.expected);
+	}
+}
+
+TEST(TracerScene, ModelFilesShowTheFrontThatTheirFormatWinds)
+{
+	// A quad (a triangle of it in PLY) in the plane z = 0 whose corners run
+	// counter-clockwise seen from above, glowing from its front only, seen by
+	// a ray straight down: OBJ and PLY files wind their fronts that way, a
+	// scene's mesh files the other way.
+	VelornTest::TempDir dir;
+	VelornTest::writeFile(dir.file("quad.obj"), "v -1 -1 0\nv 1 -1 0\nv 1 1 0\nv -1 1 0\nf 1 2 3 4\n");
+	VelornTest::writeFile(dir.file("quad.PLY"),
+		"ply\nformat ascii 1.0\nelement vertex 4\nproperty float x\nproperty float y\nproperty float z\n"
+		"element face 1\nproperty list uchar int vertex_indices\nend_header\n"
+		"-1 -1 0\n1 -1 0\n1 1 0\n-1 1 0\n3 0 1 2\n");
+	Mesh quad;
+	for(const Vec3f& corner : {Vec3f{-1, -1, 0}, Vec3f{1, -1, 0}, Vec3f{1, 1, 0}, Vec3f{-1, 1, 0}})
+		quad.addVertex(corner);
+	quad.addQuad({0, 1, 2, 3}, {0, 0, 0, 0}, 0);
+	quad.endOfModel();
+	writeMeshToFile(dir.file("quad.vlmesh"), quad);
+
+	const struct
+	{
+		const char* file;
+		double seen_from_above;
+	} cases[] = {{"quad.obj", 1}, {"quad.PLY", 1}, {"quad.vlmesh", 0}};
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.file);
+		Reference<SceneNodeRoot> root = makeRoot(4, 4, Vec3d(0, 0, 5), Vec3d(0, 0, -1));
+		Reference<SceneNodeMesh> mesh_node = new SceneNodeMesh();
+		mesh_node->path = c.file;
+		root->addChildNode(mesh_node);
+		Reference<SceneNodeModel> model = new SceneNodeModel();
+		model->rotation = new MatrixRotation();
+		model->keyframes.push_back(KeyFrame{Vec3d(0, 0, 0), 0, Vec3d(0, 0, 1), 0});
+		model->setGeometry(mesh_node);
+		model->setMaterials({addMaterial(*root, emitter(1.0, 0))});
+		root->addChildNode(model);
+		root->finalise(String(dir.file("scene.vls")));
+		const TracerScene scene(*root, dir.path());
+		EXPECT_NEAR(meanRadiance(scene, Ray{V3(0.4f, -0.3f, 5), V3(0, 0, -1)}, 1), c.seen_from_above, 1e-6);
 	}
 }
 
