@@ -230,13 +230,9 @@ Reference<SceneNodeRoot> cornellScene(int size)
 
 	Reference<SceneNodeMesh> mesh_node = new SceneNodeMesh();
 	mesh_node->setMesh(mesh);
-	root->addChildNode(mesh_node);
-	Reference<SceneNodeModel> model = new SceneNodeModel();
-	model->rotation = new MatrixRotation();
-	model->setGeometry(mesh_node);
-	model->setMaterials({addMaterial(*root, coloured(white_albedo)), addMaterial(*root, coloured(red_albedo)),
-		addMaterial(*root, coloured(green_albedo)), addMaterial(*root, emitter(emitted, 0))});
-	root->addChildNode(model);
+	addModel(*root, mesh_node,
+		{addMaterial(*root, coloured(white_albedo)), addMaterial(*root, coloured(red_albedo)),
+			addMaterial(*root, coloured(green_albedo)), addMaterial(*root, emitter(emitted, 0))});
 	return root;
 }
 

@@ -102,6 +102,20 @@ inline void addSphere(SceneNodeRoot& root, const Vec3d& centre, double radius, c
 	root.addChildNode(sphere);
 }
 
+// The mesh node and a model that places it where it stands, unturned, with
+// the given materials.
+inline void addModel(SceneNodeRoot& root, const Reference<SceneNodeMesh>& mesh_node,
+	const Vector<Reference<SceneNodeMaterial>>& materials)
+{
+	root.addChildNode(mesh_node);
+	Reference<SceneNodeModel> model = new SceneNodeModel();
+	model->rotation = new MatrixRotation();
+	model->keyframes.push_back(KeyFrame{Vec3d(0, 0, 0), 0, Vec3d(0, 0, 1), 0});
+	model->setGeometry(mesh_node);
+	model->setMaterials(materials);
+	root.addChildNode(model);
+}
+
 // A square floor in the plane z = 0, of the given half side, with a mesh of
 // its own and the given material. It faces up: its corners run clockwise
 // seen from above, as a scene's polygons do seen from their front.
@@ -118,13 +132,7 @@ inline void addFloor(SceneNodeRoot& root, float half_side, const Reference<Scene
 	mesh->endOfModel();
 	Reference<SceneNodeMesh> mesh_node = new SceneNodeMesh();
 	mesh_node->setMesh(mesh);
-	root.addChildNode(mesh_node);
-	Reference<SceneNodeModel> model = new SceneNodeModel();
-	model->rotation = new MatrixRotation();
-	model->keyframes.push_back(KeyFrame{Vec3d(0, 0, 0), 0, Vec3d(0, 0, 1), 0});
-	model->setGeometry(mesh_node);
-	model->setMaterials({material});
-	root.addChildNode(model);
+	addModel(root, mesh_node, {material});
 }
 
 // A uniform background of the given radiance in a layer.

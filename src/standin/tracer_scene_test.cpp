@@ -283,13 +283,7 @@ TEST(TracerScene, ModelFilesShowTheFrontThatTheirFormatWinds)
 		Reference<SceneNodeRoot> root = makeRoot(4, 4, Vec3d(0, 0, 5), Vec3d(0, 0, -1));
 		Reference<SceneNodeMesh> mesh_node = new SceneNodeMesh();
 		mesh_node->path = c.file;
-		root->addChildNode(mesh_node);
-		Reference<SceneNodeModel> model = new SceneNodeModel();
-		model->rotation = new MatrixRotation();
-		model->keyframes.push_back(KeyFrame{Vec3d(0, 0, 0), 0, Vec3d(0, 0, 1), 0});
-		model->setGeometry(mesh_node);
-		model->setMaterials({addMaterial(*root, emitter(1.0, 0))});
-		root->addChildNode(model);
+		addModel(*root, mesh_node, {addMaterial(*root, emitter(1.0, 0))});
 		root->finalise(String(dir.file("scene.vls")));
 		const TracerScene scene(*root, dir.path());
 		EXPECT_NEAR(meanRadiance(scene, Ray{V3(0.4f, -0.3f, 5), V3(0, 0, -1)}, 1), c.seen_from_above, 1e-6);
