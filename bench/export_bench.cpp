@@ -5,6 +5,7 @@
 // memory an export needs on top of the document (--memory, see main).
 // Files go to /tmp and are removed at the end.
 
+#include "run_benchmarks.h"
 #include "waved_grid.h"
 
 #include "c4d/base_document.h"
@@ -266,11 +267,7 @@ int main(int argc, char** argv)
 		std::filesystem::remove_all(DIR);
 		return 0;
 	}
-	benchmark::Initialize(&argc, argv);
-	if(benchmark::ReportUnrecognizedArguments(argc, argv))
-		return 1;
-	benchmark::RunSpecifiedBenchmarks();
-	benchmark::Shutdown();
+	const int status = runBenchmarks(argc, argv);
 	std::filesystem::remove_all(DIR);
-	return 0;
+	return status;
 }

@@ -8,6 +8,7 @@
 // memory; the scene is neither finalised nor written, as in the material
 // export tests. Files, if any, go to /tmp and are removed at the end.
 
+#include "run_benchmarks.h"
 #include "waved_grid.h"
 
 #include "c4d/base_document.h"
@@ -255,11 +256,7 @@ BENCHMARK(BM_ExportScene)
 
 int main(int argc, char** argv)
 {
-	benchmark::Initialize(&argc, argv);
-	if(benchmark::ReportUnrecognizedArguments(argc, argv))
-		return 1;
-	benchmark::RunSpecifiedBenchmarks();
-	benchmark::Shutdown();
+	const int status = runBenchmarks(argc, argv);
 	std::filesystem::remove_all(DIR);
-	return 0;
+	return status;
 }

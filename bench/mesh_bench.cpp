@@ -2,6 +2,8 @@
 // with normals and one UV set, beside a plain fwrite and fread of the same
 // number of bytes. Files go to /tmp and are removed at the end.
 
+#include "run_benchmarks.h"
+
 #include "mesh/mesh.h"
 #include "mesh/mesh_file.h"
 
@@ -230,12 +232,8 @@ BENCHMARK(BM_Read)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 int main(int argc, char** argv)
 {
-	benchmark::Initialize(&argc, argv);
-	if(benchmark::ReportUnrecognizedArguments(argc, argv))
-		return 1;
-	benchmark::RunSpecifiedBenchmarks();
-	benchmark::Shutdown();
+	const int status = runBenchmarks(argc, argv);
 	std::remove(MESH_PATH);
 	std::remove(PLAIN_PATH);
-	return 0;
+	return status;
 }
