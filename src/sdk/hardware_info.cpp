@@ -3,13 +3,6 @@
 namespace Velorn
 {
 
-namespace
-{
-
-using GPUListFn = void (*)(InterfaceBase*, Reference<InterfaceBase>*);
-
-} // namespace
-
 HardwareInfo::HardwareInfo(const Reference<VelornContext>& context)
 {
 	context->create_instance(String("HardwareInfoDLLAPI"), object);
@@ -19,7 +12,7 @@ HardwareInfo::~HardwareInfo() = default;
 
 void HardwareInfo::getGPUInfo(Reference<InterfaceBase>& out)
 {
-	object->entry<GPUListFn>(HardwareInfoTable::GetGPUList)(object.getPointer(), &out);
+	object->entry<HardwareInfoTable::GPUListFn>(HardwareInfoTable::GetGPUList)(object.getPointer(), &out);
 }
 
 } // namespace Velorn

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/reference.h"
 #include "support/velorn_string.h"
 #include "support/velorn_vector.h"
 
@@ -8,6 +9,12 @@
 
 namespace Velorn
 {
+
+class FloatBuffer;
+class RenderBuffer;
+class SceneNode;
+class SceneNodeRoot;
+class UInt8Buffer;
 
 // An object that crosses the renderer library's boundary. Its layout is
 // binary and shared by both sides: the table of functions first, then a
@@ -60,6 +67,13 @@ public:
 	Vector<GPUInfo> gpus;
 };
 
+// The types of the functions at the positions that are called, by table
+// below. The plug-in calls through them and the stand-in library fills its
+// tables with them, so that the compiler holds both sides to one signature.
+using VoidFn = void (*)(InterfaceBase*);
+using BoolFn = bool (*)(InterfaceBase*);
+using DoubleFn = double (*)(InterfaceBase*);
+
 // Table positions of the renderer object ("VelornInterface").
 namespace RendererTable
 {
@@ -80,6 +94,10 @@ enum : size_t
 	EndMessages = 24,
 	Size = 29
 };
+using InitialiseFn = int (*)(InterfaceBase*, const String* sdk_dir, const String* appdata_dir);
+using InitialiseWithSceneFn = int (*)(InterfaceBase*, const Reference<SceneNodeRoot>*, RenderBuffer*, const Vector<String>*);
+using UpdateSceneFn = void (*)(InterfaceBase*, const Reference<SceneNodeRoot>*);
+using NextMessageFn = InterfaceBase* (*)(InterfaceBase*);
 } // namespace RendererTable
 
 // Table positions of a message object.
@@ -91,6 +109,8 @@ enum : size_t
 	GetText = 2,
 	Size = 3
 };
+using GetTypeFn = int (*)(InterfaceBase*);
+using GetTextFn = const String* (*)(InterfaceBase*);
 // The one type that callers read; the others are dropped.
 enum : int
 {
@@ -109,6 +129,10 @@ enum : size_t
 	IsDone = 4,
 	Size = 5
 };
+using InitialiseFn = void (*)(InterfaceBase*, const String* sdk_dir, const String* appdata_dir, RenderBuffer*,
+	UInt8Buffer*, FloatBuffer*, float gamma, String* error_out);
+using SetParametersFn = void (*)(InterfaceBase*, const Reference<SceneNode>* tone_mapping,
+	const Reference<SceneNode>* settings, const Reference<SceneNode>* camera, String* error_out);
 } // namespace ToneMapperTable
 
 // Table positions of the hardware object ("HardwareInfoDLLAPI").
@@ -120,6 +144,8 @@ enum : size_t
 	GetSecondGPUList = 2,
 	Size = 3
 };
+// Both lists: the object hands out a new GPUInfoList.
+using GPUListFn = void (*)(InterfaceBase*, Reference<InterfaceBase>* out);
 } // namespace HardwareInfoTable
 
 } // namespace Velorn

@@ -11,18 +11,6 @@ namespace Velorn
 namespace
 {
 
-// The signatures of the table positions that are called; every function
-// takes the object first.
-using InitialiseFn = int (*)(InterfaceBase*, const String*, const String*);
-using InitialiseWithSceneFn = int (*)(InterfaceBase*, const Reference<SceneNodeRoot>*, RenderBuffer*, const Vector<String>*);
-using VoidFn = void (*)(InterfaceBase*);
-using DoubleFn = double (*)(InterfaceBase*);
-using BoolFn = bool (*)(InterfaceBase*);
-using NextMessageFn = InterfaceBase* (*)(InterfaceBase*);
-using UpdateSceneFn = void (*)(InterfaceBase*, const Reference<SceneNodeRoot>*);
-using MessageTypeFn = int (*)(InterfaceBase*);
-using MessageTextFn = const String* (*)(InterfaceBase*);
-
 void call(InterfaceBase& object, size_t position)
 {
 	object.entry<VoidFn>(position)(&object);
@@ -36,7 +24,8 @@ RendererImpl::RendererImpl(const Reference<VelornContext>& context_) : context(c
 		std::cout << "Failed to create Instance of 'VelornInterface'" << std::endl;
 	if(object.isNull())
 		return;
-	if(object->entry<InitialiseFn>(RendererTable::Initialise)(object.getPointer(), &context->sdk_dir, &context->appdata_dir) != 0)
+	const auto initialise = object->entry<RendererTable::InitialiseFn>(RendererTable::Initialise);
+	if(initialise(object.getPointer(), &context->sdk_dir, &context->appdata_dir) != 0)
 		std::cout << "Failed to initialise 'VelornInterface'" << std::endl;
 }
 
@@ -55,8 +44,8 @@ int RendererImpl::initialiseWithScene(const Reference<SceneNodeRoot>& root, cons
 {
 	scene_root = root;
 	render_buffer = buffer;
-	return object->entry<InitialiseWithSceneFn>(RendererTable::InitialiseWithScene)(object.getPointer(), &scene_root,
-		render_buffer.getPointer(), &args);
+	const auto initialise = object->entry<RendererTable::InitialiseWithSceneFn>(RendererTable::InitialiseWithScene);
+	return initialise(object.getPointer(), &scene_root, render_buffer.getPointer(), &args);
 }
 
 void RendererImpl::startRendering()
@@ -95,13 +84,13 @@ void RendererImpl::getMessages(std::vector<Reference<InterfaceBase>>& out)
 	InterfaceBase* o = object.getPointer();
 	call(*o, RendererTable::BeginMessages);
 	while(!o->entry<BoolFn>(RendererTable::AtEndOfMessages)(o))
-		out.push_back(Reference<InterfaceBase>(o->entry<NextMessageFn>(RendererTable::NextMessage)(o)));
+		out.push_back(Reference<InterfaceBase>(o->entry<RendererTable::NextMessageFn>(RendererTable::NextMessage)(o)));
 	call(*o, RendererTable::EndMessages);
 }
 
 void RendererImpl::updateScene(const Reference<SceneNodeRoot>& root)
 {
-	object->entry<UpdateSceneFn>(RendererTable::UpdateScene)(object.getPointer(), &root);
+	object->entry<RendererTable::UpdateSceneFn>(RendererTable::UpdateScene)(object.getPointer(), &root);
 }
 
 Renderer::Renderer(const Reference<VelornContext>& context) : impl(new RendererImpl(context)) {}
@@ -156,12 +145,12 @@ void Renderer::updateScene(const Reference<SceneNodeRoot>& root)
 
 int messageType(InterfaceBase& message)
 {
-	return message.entry<MessageTypeFn>(MessageTable::GetType)(&message);
+	return message.entry<MessageTable::GetTypeFn>(MessageTable::GetType)(&message);
 }
 
 String messageText(InterfaceBase& message)
 {
-	const String* text = message.entry<MessageTextFn>(MessageTable::GetText)(&message);
+	const String* text = message.entry<MessageTable::GetTextFn>(MessageTable::GetText)(&message);
 	return text ? *text : String();
 }
 

@@ -7,25 +7,13 @@
 namespace Velorn
 {
 
-namespace
-{
-
-using InitialiseFn = void (*)(InterfaceBase*, const String*, const String*, RenderBuffer*, UInt8Buffer*, FloatBuffer*,
-	float, String*);
-using SetParametersFn = void (*)(InterfaceBase*, const Reference<SceneNode>*, const Reference<SceneNode>*,
-	const Reference<SceneNode>*, String*);
-using VoidFn = void (*)(InterfaceBase*);
-using BoolFn = bool (*)(InterfaceBase*);
-
-} // namespace
-
 ToneMapper::ToneMapper(const Reference<VelornContext>& context, const Reference<RenderBuffer>& render_buffer_,
 	const Reference<UInt8Buffer>& uint8_buffer_, const Reference<FloatBuffer>& float_buffer_, float gamma)
 	: render_buffer(render_buffer_), uint8_buffer(uint8_buffer_), float_buffer(float_buffer_)
 {
 	context->create_instance(String("ToneMapperDLLAPI"), object);
 	String error;
-	object->entry<InitialiseFn>(ToneMapperTable::Initialise)(object.getPointer(), &context->sdk_dir,
+	object->entry<ToneMapperTable::InitialiseFn>(ToneMapperTable::Initialise)(object.getPointer(), &context->sdk_dir,
 		&context->appdata_dir, render_buffer.getPointer(), uint8_buffer.getPointer(), float_buffer.getPointer(), gamma,
 		&error);
 	if(!error.empty())
@@ -44,8 +32,8 @@ int ToneMapper::setParameters(const Reference<SceneNode>& tone_mapping, const Re
 	if(!error_message.empty())
 		return 1;
 	String error;
-	object->entry<SetParametersFn>(ToneMapperTable::SetParameters)(object.getPointer(), &tone_mapping, &settings,
-		&camera, &error);
+	const auto setParameters = object->entry<ToneMapperTable::SetParametersFn>(ToneMapperTable::SetParameters);
+	setParameters(object.getPointer(), &tone_mapping, &settings, &camera, &error);
 	if(!error.empty())
 	{
 		error_message = error;

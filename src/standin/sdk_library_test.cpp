@@ -38,21 +38,6 @@ void watchDestroy(InterfaceBase* object)
 	object->destroy = &countingDestroy;
 }
 
-using InitialiseFn = int (*)(InterfaceBase*, const String*, const String*);
-using InitialiseWithSceneFn = int (*)(InterfaceBase*, const Reference<SceneNodeRoot>*, RenderBuffer*, const Vector<String>*);
-using VoidFn = void (*)(InterfaceBase*);
-using DoubleFn = double (*)(InterfaceBase*);
-using BoolFn = bool (*)(InterfaceBase*);
-using NextMessageFn = InterfaceBase* (*)(InterfaceBase*);
-using MessageTypeFn = int (*)(InterfaceBase*);
-using MessageTextFn = const String* (*)(InterfaceBase*);
-using ToneInitialiseFn = void (*)(InterfaceBase*, const String*, const String*, RenderBuffer*, UInt8Buffer*, FloatBuffer*,
-	float, String*);
-using ToneParametersFn = void (*)(InterfaceBase*, const Reference<SceneNode>*, const Reference<SceneNode>*,
-	const Reference<SceneNode>*, String*);
-using UpdateSceneFn = void (*)(InterfaceBase*, const Reference<SceneNodeRoot>*);
-using GPUListFn = void (*)(InterfaceBase*, Reference<InterfaceBase>*);
-
 template <class Condition>
 bool waitFor(Condition condition, double seconds = 20)
 {
@@ -91,7 +76,7 @@ protected:
 	static int initialiseWithScene(InterfaceBase* r, const Reference<SceneNodeRoot>& root, RenderBuffer& buffer)
 	{
 		const Vector<String> args{String("dummy.vls")};
-		return r->entry<InitialiseWithSceneFn>(RendererTable::InitialiseWithScene)(r, &root, &buffer, &args);
+		return r->entry<RendererTable::InitialiseWithSceneFn>(RendererTable::InitialiseWithScene)(r, &root, &buffer, &args);
 	}
 
 	Reference<VelornContext> context{new VelornContext()};
@@ -114,7 +99,7 @@ TEST_F(SdkLibrary, RendersPausesResumesStopsAndToneMaps)
 	Reference<InterfaceBase> renderer = create("VelornInterface");
 	ASSERT_TRUE(renderer.nonNull());
 	InterfaceBase* r = renderer.getPointer();
-	EXPECT_EQ(r->entry<InitialiseFn>(RendererTable::Initialise)(r, &context->sdk_dir, &context->appdata_dir), 0);
+	EXPECT_EQ(r->entry<RendererTable::InitialiseFn>(RendererTable::Initialise)(r, &context->sdk_dir, &context->appdata_dir), 0);
 	ASSERT_EQ(initialiseWithScene(r, root, *buffer), 0);
 
 	auto spp = [&] { return r->entry<DoubleFn>(RendererTable::GetSamplesPerPixel)(r); };
@@ -129,7 +114,7 @@ TEST_F(SdkLibrary, RendersPausesResumesStopsAndToneMaps)
 	r->entry<VoidFn>(RendererTable::ResumeRendering)(r);
 	ASSERT_TRUE(waitFor([&] { return spp() > paused; }));
 	// The new scene starts from nothing and renders on.
-	r->entry<UpdateSceneFn>(RendererTable::UpdateScene)(r, &updated);
+	r->entry<RendererTable::UpdateSceneFn>(RendererTable::UpdateScene)(r, &updated);
 	ASSERT_TRUE(waitFor([&] { return spp() >= 2; }));
 	r->entry<VoidFn>(RendererTable::StopRendering)(r);
 	EXPECT_GT(r->entry<DoubleFn>(RendererTable::GetElapsedTime)(r), 0);
@@ -144,12 +129,12 @@ TEST_F(SdkLibrary, RendersPausesResumesStopsAndToneMaps)
 	InterfaceBase* t = tone_mapper.getPointer();
 	Reference<UInt8Buffer> bytes = new UInt8Buffer();
 	String error;
-	t->entry<ToneInitialiseFn>(ToneMapperTable::Initialise)(t, &context->sdk_dir, &context->appdata_dir,
+	t->entry<ToneMapperTable::InitialiseFn>(ToneMapperTable::Initialise)(t, &context->sdk_dir, &context->appdata_dir,
 		buffer.getPointer(), bytes.getPointer(), nullptr, 2.2f, &error);
 	EXPECT_EQ(error, "");
 	const Reference<SceneNode> settings = updated->getRenderSettingsNode();
 	const Reference<SceneNode> camera = updated->getCameraNode();
-	t->entry<ToneParametersFn>(ToneMapperTable::SetParameters)(t, &tone_mapping, &settings, &camera, &error);
+	t->entry<ToneMapperTable::SetParametersFn>(ToneMapperTable::SetParameters)(t, &tone_mapping, &settings, &camera, &error);
 	EXPECT_EQ(error, "");
 	bytes->resize(8, 6);
 	t->entry<VoidFn>(ToneMapperTable::Update)(t);
@@ -187,7 +172,7 @@ TEST_F(SdkLibrary, CommandsFromAnotherThreadMeetARenderBeingRebuilt)
 	std::atomic<bool> rebuilding{true};
 	std::thread render_thread([&] {
 		for(int i = 0; i < 20; ++i)
-			r->entry<UpdateSceneFn>(RendererTable::UpdateScene)(r, &root);
+			r->entry<RendererTable::UpdateSceneFn>(RendererTable::UpdateScene)(r, &root);
 		rebuilding = false;
 	});
 	while(rebuilding)
@@ -216,15 +201,15 @@ TEST_F(SdkLibrary, SceneThatCannotBeRenderedGivesAnErrorMessage)
 	r->entry<VoidFn>(RendererTable::BeginMessages)(r);
 	while(!r->entry<BoolFn>(RendererTable::AtEndOfMessages)(r))
 	{
-		messages.push_back(r->entry<NextMessageFn>(RendererTable::NextMessage)(r));
+		messages.push_back(r->entry<RendererTable::NextMessageFn>(RendererTable::NextMessage)(r));
 		watchDestroy(messages.back().getPointer());
 	}
 	r->entry<VoidFn>(RendererTable::EndMessages)(r);
 	ASSERT_EQ(messages.size(), 1u);
 	// The message outlives the iteration while the caller holds it.
 	InterfaceBase* m = messages[0].getPointer();
-	EXPECT_EQ(m->entry<MessageTypeFn>(MessageTable::GetType)(m), MessageTable::ErrorMessage);
-	EXPECT_EQ(*m->entry<MessageTextFn>(MessageTable::GetText)(m),
+	EXPECT_EQ(m->entry<MessageTable::GetTypeFn>(MessageTable::GetType)(m), MessageTable::ErrorMessage);
+	EXPECT_EQ(*m->entry<MessageTable::GetTextFn>(MessageTable::GetText)(m),
 		"Image size 0 x 6 is out of range (1 to 16384 pixels a side).");
 	EXPECT_EQ(destroy_calls[m], 0);
 	messages.clear();
@@ -241,7 +226,7 @@ TEST_F(SdkLibrary, HardwareInfoListsNoGPU)
 	Reference<InterfaceBase> hardware = create("HardwareInfoDLLAPI");
 	ASSERT_TRUE(hardware.nonNull());
 	Reference<InterfaceBase> list;
-	hardware->entry<GPUListFn>(HardwareInfoTable::GetGPUList)(hardware.getPointer(), &list);
+	hardware->entry<HardwareInfoTable::GPUListFn>(HardwareInfoTable::GetGPUList)(hardware.getPointer(), &list);
 	ASSERT_TRUE(list.nonNull());
 	EXPECT_EQ(static_cast<GPUInfoList&>(*list).gpus.size(), 0u);
 }

@@ -35,6 +35,15 @@ void destroyObject(InterfaceBase* object)
 // Positions that the plug-in never calls do nothing.
 void noOperation(InterfaceBase*) {}
 
+// Puts f at a position of a table, converted first to the type that the
+// plug-in calls it as, so that a function of another signature does not
+// compile.
+template <class Fn>
+void put(F* table, size_t position, Fn f)
+{
+	table[position] = reinterpret_cast<F>(f);
+}
+
 // Each table is filled once, position by position; the functions take the
 // object first, as the boundary's convention has it.
 const F* messageTable()
@@ -44,9 +53,10 @@ const F* messageTable()
 	{
 		for(F& f : table)
 			f = reinterpret_cast<F>(&noOperation);
-		table[MessageTable::GetType] = reinterpret_cast<F>(+[](InterfaceBase* o) -> int { return self<MessageObject>(o).type; });
-		table[MessageTable::GetText] =
-			reinterpret_cast<F>(+[](InterfaceBase* o) -> const String* { return &self<MessageObject>(o).text; });
+		put<MessageTable::GetTypeFn>(
+			table, MessageTable::GetType, [](InterfaceBase* o) { return self<MessageObject>(o).type; });
+		put<MessageTable::GetTextFn>(
+			table, MessageTable::GetText, [](InterfaceBase* o) -> const String* { return &self<MessageObject>(o).text; });
 	}
 	return table;
 }
@@ -59,26 +69,26 @@ const F* rendererTable()
 		using R = RendererObject;
 		for(F& f : table)
 			f = reinterpret_cast<F>(&noOperation);
-		table[RendererTable::Initialise] = reinterpret_cast<F>(+[](InterfaceBase* o, const String* sdk, const String* appdata) {
-			return self<R>(o).initialise(*sdk, *appdata);
-		});
-		table[RendererTable::GetSamplesPerPixel] =
-			reinterpret_cast<F>(+[](InterfaceBase* o) { return self<R>(o).getSamplesPerPixel(); });
-		table[RendererTable::GetElapsedTime] = reinterpret_cast<F>(+[](InterfaceBase* o) { return self<R>(o).getElapsedTime(); });
-		table[RendererTable::InitialiseWithScene] = reinterpret_cast<F>(
-			+[](InterfaceBase* o, const Reference<SceneNodeRoot>* root, RenderBuffer* buffer, const Vector<String>* args) {
+		put<RendererTable::InitialiseFn>(table, RendererTable::Initialise,
+			[](InterfaceBase* o, const String* sdk, const String* appdata) { return self<R>(o).initialise(*sdk, *appdata); });
+		put<DoubleFn>(
+			table, RendererTable::GetSamplesPerPixel, [](InterfaceBase* o) { return self<R>(o).getSamplesPerPixel(); });
+		put<DoubleFn>(table, RendererTable::GetElapsedTime, [](InterfaceBase* o) { return self<R>(o).getElapsedTime(); });
+		put<RendererTable::InitialiseWithSceneFn>(table, RendererTable::InitialiseWithScene,
+			[](InterfaceBase* o, const Reference<SceneNodeRoot>* root, RenderBuffer* buffer, const Vector<String>* args) {
 				return self<R>(o).initialiseWithScene(*root, buffer, *args);
 			});
-		table[RendererTable::StartRendering] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<R>(o).startRendering(); });
-		table[RendererTable::PauseRendering] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<R>(o).pauseRendering(); });
-		table[RendererTable::ResumeRendering] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<R>(o).resumeRendering(); });
-		table[RendererTable::StopRendering] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<R>(o).stopRendering(); });
-		table[RendererTable::UpdateScene] = reinterpret_cast<F>(
-			+[](InterfaceBase* o, const Reference<SceneNodeRoot>* root) { self<R>(o).updateScene(*root); });
-		table[RendererTable::BeginMessages] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<R>(o).beginMessages(); });
-		table[RendererTable::AtEndOfMessages] = reinterpret_cast<F>(+[](InterfaceBase* o) { return self<R>(o).atEndOfMessages(); });
-		table[RendererTable::NextMessage] = reinterpret_cast<F>(+[](InterfaceBase* o) { return self<R>(o).nextMessage(); });
-		table[RendererTable::EndMessages] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<R>(o).endMessages(); });
+		put<VoidFn>(table, RendererTable::StartRendering, [](InterfaceBase* o) { self<R>(o).startRendering(); });
+		put<VoidFn>(table, RendererTable::PauseRendering, [](InterfaceBase* o) { self<R>(o).pauseRendering(); });
+		put<VoidFn>(table, RendererTable::ResumeRendering, [](InterfaceBase* o) { self<R>(o).resumeRendering(); });
+		put<VoidFn>(table, RendererTable::StopRendering, [](InterfaceBase* o) { self<R>(o).stopRendering(); });
+		put<RendererTable::UpdateSceneFn>(table, RendererTable::UpdateScene,
+			[](InterfaceBase* o, const Reference<SceneNodeRoot>* root) { self<R>(o).updateScene(*root); });
+		put<VoidFn>(table, RendererTable::BeginMessages, [](InterfaceBase* o) { self<R>(o).beginMessages(); });
+		put<BoolFn>(table, RendererTable::AtEndOfMessages, [](InterfaceBase* o) { return self<R>(o).atEndOfMessages(); });
+		put<RendererTable::NextMessageFn>(
+			table, RendererTable::NextMessage, [](InterfaceBase* o) { return self<R>(o).nextMessage(); });
+		put<VoidFn>(table, RendererTable::EndMessages, [](InterfaceBase* o) { self<R>(o).endMessages(); });
 	}
 	return table;
 }
@@ -91,16 +101,17 @@ const F* toneMapperTable()
 		using T = ToneMapperObject;
 		for(F& f : table)
 			f = reinterpret_cast<F>(&noOperation);
-		table[ToneMapperTable::Initialise] = reinterpret_cast<F>(+[](InterfaceBase* o, const String*, const String*,
-			RenderBuffer* render_buffer, UInt8Buffer* bytes, FloatBuffer* floats, float gamma, String* error_out) {
-			self<T>(o).initialise(render_buffer, bytes, floats, gamma, *error_out);
-		});
-		table[ToneMapperTable::SetParameters] = reinterpret_cast<F>(+[](InterfaceBase* o, const Reference<SceneNode>* tone,
-			const Reference<SceneNode>* settings, const Reference<SceneNode>* camera, String* error_out) {
-			self<T>(o).setParameters(tone->getPointer(), settings->getPointer(), camera->getPointer(), *error_out);
-		});
-		table[ToneMapperTable::Update] = reinterpret_cast<F>(+[](InterfaceBase* o) { self<T>(o).update(); });
-		table[ToneMapperTable::IsDone] = reinterpret_cast<F>(+[](InterfaceBase* o) { return self<T>(o).isDone(); });
+		put<ToneMapperTable::InitialiseFn>(table, ToneMapperTable::Initialise,
+			[](InterfaceBase* o, const String*, const String*, RenderBuffer* render_buffer, UInt8Buffer* bytes,
+				FloatBuffer* floats, float gamma,
+				String* error_out) { self<T>(o).initialise(render_buffer, bytes, floats, gamma, *error_out); });
+		put<ToneMapperTable::SetParametersFn>(table, ToneMapperTable::SetParameters,
+			[](InterfaceBase* o, const Reference<SceneNode>* tone, const Reference<SceneNode>* settings,
+				const Reference<SceneNode>* camera, String* error_out) {
+				self<T>(o).setParameters(tone->getPointer(), settings->getPointer(), camera->getPointer(), *error_out);
+			});
+		put<VoidFn>(table, ToneMapperTable::Update, [](InterfaceBase* o) { self<T>(o).update(); });
+		put<BoolFn>(table, ToneMapperTable::IsDone, [](InterfaceBase* o) { return self<T>(o).isDone(); });
 	}
 	return table;
 }
@@ -119,8 +130,8 @@ const F* hardwareTable()
 	{
 		for(F& f : table)
 			f = reinterpret_cast<F>(&noOperation);
-		table[HardwareInfoTable::GetGPUList] = reinterpret_cast<F>(&emptyGPUList);
-		table[HardwareInfoTable::GetSecondGPUList] = reinterpret_cast<F>(&emptyGPUList);
+		put<HardwareInfoTable::GPUListFn>(table, HardwareInfoTable::GetGPUList, &emptyGPUList);
+		put<HardwareInfoTable::GPUListFn>(table, HardwareInfoTable::GetSecondGPUList, &emptyGPUList);
 	}
 	return table;
 }
