@@ -8,6 +8,10 @@
 #include "scene/scene_node_material.h"
 #include "scene/scene_node_medium.h"
 #include "support/exceptions.h"
+#include "support/file_utils.h"
+#include "support/string_utils.h"
+
+#include <map>
 
 namespace Velorn
 {
@@ -25,6 +29,22 @@ float mediumIOR(const Reference<SceneNodeMedium>& medium)
 		if(auto* basic = dynamic_cast<const BasicMedium*>(medium->medium.getPointer()))
 			return (float)basic->ior;
 	return 1.5f;
+}
+
+// The reflectance at normal incidence, in linear RGB, of the metals among
+// the renderer's n-k files, as the rendering literature tabulates it: the
+// files themselves belong to the renderer's installation. Any other file
+// reflects a bright grey.
+V3 nkReflectance(const std::string& nk_path)
+{
+	static const std::map<std::string, V3> metals = {
+		{"ag.nk", V3(0.972f, 0.960f, 0.915f)}, {"al.nk", V3(0.913f, 0.922f, 0.924f)},
+		{"au.nk", V3(1.000f, 0.782f, 0.344f)}, {"cr.nk", V3(0.549f, 0.556f, 0.554f)},
+		{"cu.nk", V3(0.955f, 0.638f, 0.538f)}, {"ni.nk", V3(0.660f, 0.609f, 0.526f)},
+		{"pd.nk", V3(0.733f, 0.697f, 0.652f)}, {"pt.nk", V3(0.673f, 0.637f, 0.585f)},
+		{"ti.nk", V3(0.542f, 0.497f, 0.449f)}};
+	const auto it = metals.find(toLowerCase(FileUtils::getFilename(nk_path)));
+	return it == metals.end() ? V3(0.9f) : it->second;
 }
 
 // The channels every surface material has: emission and its layer, bump
@@ -147,7 +167,7 @@ const ShadingMaterial* MaterialLibrary::convert(const Material& material, const 
 		out->kind = SurfaceKind::Phong;
 		out->albedo = reader.colour(m.diffuse_albedo, default_albedo);
 		out->has_specular = m.specular_reflectivity.nonNull() || !m.nk_data.empty();
-		out->specular = reader.colour(m.specular_reflectivity, V3(0.9f));
+		out->specular = reader.colour(m.specular_reflectivity, nkReflectance(m.nk_data.str()));
 		out->exponent = reader.scalar(m.exponent, 100);
 		out->ior = (float)m.ior;
 		readSurfaceChannels(reader, m, *out);

@@ -122,6 +122,34 @@ TEST(SurfaceMaterials, FurnaceValuesOfEachKind)
 	}
 }
 
+TEST(SurfaceMaterials, PhongMetalsOfTheRenderersNkFiles)
+{
+	// A Phong surface with n-k data is a metal of that data's colour; a
+	// specular reflectivity given beside it wins.
+	const struct
+	{
+		const char* nk_data;
+		Reference<WavelengthDependentParam> specular_reflectivity;
+		V3 expected;
+	} cases[] = {
+		{"nkdata/Au.nk", nullptr, V3(1.0f, 0.782f, 0.344f)},
+		{"nkdata/cu.NK", nullptr, V3(0.955f, 0.638f, 0.538f)},
+		{"nkdata/Bk7.nk", nullptr, V3(0.9f)},
+		{"nkdata/Au.nk", grey(0.5), V3(0.5f)},
+	};
+	TextureCache textures(".");
+	MaterialLibrary library(textures);
+	for(const auto& c : cases)
+	{
+		SCOPED_TRACE(c.nk_data);
+		Reference<Material> m = phong(grey(0.8), c.specular_reflectivity);
+		static_cast<PhongMaterial&>(*m).nk_data = c.nk_data;
+		const ShadingMaterial* shading = library.convert(*m, "metal");
+		EXPECT_TRUE(shading->has_specular);
+		expectNear(shading->specular.constant, c.expected, 1e-6f);
+	}
+}
+
 TEST(SurfaceMaterials, TextureFromAPNGFile)
 {
 	// A grey of 128 everywhere: 128 / 255 = 0.50196 with exponent 1, its
