@@ -221,20 +221,19 @@ void expectExample(BaseDocument& doc)
 	EXPECT_EQ(draft->GetNext(), nullptr);
 
 	// Inline geometry, and the model next to the example: two triangles,
-	// then the quad. The OBJ decoder gives every polygon corner a point of
-	// its own.
+	// then the quad. Corners at one position share a point, as in the file.
 	const auto* groundPolygons = static_cast<const PolygonObject*>(ground);
 	ASSERT_EQ(groundPolygons->GetPointCount(), 4);
 	EXPECT_EQ(groundPolygons->GetPointR()[2], Vector(5, 0, 5));
 	ASSERT_EQ(groundPolygons->GetPolygonCount(), 1);
 	EXPECT_EQ(groundPolygons->GetPolygonR()[0], CPolygon(0, 1, 2, 3));
 	const auto* model = static_cast<const PolygonObject*>(crate);
-	ASSERT_EQ(model->GetPointCount(), 10);
-	EXPECT_EQ(model->GetPointR()[8], Vector(1, 1, 1));
+	ASSERT_EQ(model->GetPointCount(), 8);
+	EXPECT_EQ(model->GetPointR()[6], Vector(1, 1, 1));
 	ASSERT_EQ(model->GetPolygonCount(), 3);
 	EXPECT_EQ(model->GetPolygonR()[0], CPolygon(0, 1, 2));
-	EXPECT_EQ(model->GetPolygonR()[1], CPolygon(3, 4, 5));
-	EXPECT_EQ(model->GetPolygonR()[2], CPolygon(6, 7, 8, 9));
+	EXPECT_EQ(model->GetPolygonR()[1], CPolygon(0, 2, 3));
+	EXPECT_EQ(model->GetPolygonR()[2], CPolygon(4, 5, 6, 7));
 
 	// Tag data, tracks and caches.
 	const UVWStruct& uv = static_cast<const UVWTag*>(ground->GetTag(Tuvw))->Get(0);
@@ -289,6 +288,18 @@ TEST(DocumentFile, TheExampleReadsAndSurvivesASaveAndALoad)
 }
 
 // Without a path and name in the file, they are those of the file.
+TEST(DocumentFile, ModelCornersAtOnePositionShareAPoint)
+{
+	// Two entries of the file at one position, one of them written -0, are
+	// one point.
+	VelornTest::TempDir dir;
+	VelornTest::writeFile(dir.file("m.obj"), "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 1 1 -0\nv 0 1 0\nf 1 2 3\nf 1 4 5\n");
+	const DocPtr doc = read(R"({"version": 1, "objects": [{"type": 5100, "model": "m.obj"}]})", dir.file("scene.json"));
+	const auto* model = static_cast<const PolygonObject*>(doc->GetFirstObject());
+	ASSERT_EQ(model->GetPointCount(), 4);
+	EXPECT_EQ(model->GetPolygonR()[1], CPolygon(0, 2, 3));
+}
+
 TEST(DocumentFile, PathAndNameDefaultToTheFiles)
 {
 	VelornTest::TempDir dir;

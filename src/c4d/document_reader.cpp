@@ -9,6 +9,7 @@
 #include "support/file_utils.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -455,23 +456,46 @@ private:
 		fillFromMesh(poly, mesh);
 	}
 
-	// Triangles come first, then quads, as the mesh keeps them.
+	// Triangles come first, then quads, as the mesh keeps them. Corners at
+	// one position become one point, as they were one point of the file (the
+	// OBJ decoder gives every corner a vertex of its own), so that a Phong
+	// tag smooths across the polygons.
 	static void fillFromMesh(PolygonObject& poly, const Velorn::Mesh& mesh)
 	{
-		const size_t triangles = mesh.triangles.size();
-		poly.ResizeObject((int32_t)mesh.verts.size(), (int32_t)(triangles + mesh.quads.size()));
+		std::vector<Vector> points;
+		std::vector<int32_t> point_of(mesh.verts.size());
+		std::map<std::array<uint32_t, 3>, int32_t> at_position;
 		for(size_t i = 0; i < mesh.verts.size(); ++i)
-			poly.GetPointW()[i] = Vector(mesh.verts[i].x, mesh.verts[i].y, mesh.verts[i].z);
+		{
+			const Velorn::Vec3f& v = mesh.verts[i];
+			const auto found = at_position.emplace(positionKey(v), (int32_t)points.size());
+			if(found.second)
+				points.push_back(Vector(v.x, v.y, v.z));
+			point_of[i] = found.first->second;
+		}
+		const size_t triangles = mesh.triangles.size();
+		poly.ResizeObject((int32_t)points.size(), (int32_t)(triangles + mesh.quads.size()));
+		std::copy(points.begin(), points.end(), poly.GetPointW());
 		for(size_t i = 0; i < triangles; ++i)
 		{
 			const uint32_t* v = mesh.triangles[i].vertex_indices;
-			poly.GetPolygonW()[i] = CPolygon((int32_t)v[0], (int32_t)v[1], (int32_t)v[2]);
+			poly.GetPolygonW()[i] = CPolygon(point_of[v[0]], point_of[v[1]], point_of[v[2]]);
 		}
 		for(size_t i = 0; i < mesh.quads.size(); ++i)
 		{
 			const uint32_t* v = mesh.quads[i].vertex_indices;
-			poly.GetPolygonW()[triangles + i] = CPolygon((int32_t)v[0], (int32_t)v[1], (int32_t)v[2], (int32_t)v[3]);
+			poly.GetPolygonW()[triangles + i] = CPolygon(point_of[v[0]], point_of[v[1]], point_of[v[2]], point_of[v[3]]);
 		}
+	}
+
+	// The bits of a position, with -0 taken as 0, so that equal positions
+	// meet.
+	static std::array<uint32_t, 3> positionKey(const Velorn::Vec3f& v)
+	{
+		std::array<uint32_t, 3> key;
+		const float coordinates[3] = {v.x + 0.0f, v.y + 0.0f, v.z + 0.0f};
+		std::memcpy(key.data(), coordinates, sizeof(coordinates));
+		return key;
 	}
 
 	void readRender(RenderData& rd, const Json& root)
