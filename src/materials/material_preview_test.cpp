@@ -365,14 +365,18 @@ TEST_F(MaterialPreviewTest, RedDiffuseIsRedOnTheObjectOnly)
 	EXPECT_GT(middle_red.r, 3 * middle_red.g);
 	EXPECT_GT(middle_red.r, 3 * middle_red.b);
 	EXPECT_GT(middle_blue.b, 3 * middle_blue.r);
-	// The corners see the grey background, alike behind either.
+	// The corners see the grey background behind either sphere: none of the
+	// sphere's colour spills there. (Their brightness differs: the exposure
+	// follows the picture's key, which the sphere's colour moves.)
 	for(const auto& [x, y] : {std::make_pair(0, 0), std::make_pair(13, 0), std::make_pair(0, 13), std::make_pair(13, 13)})
 	{
 		SCOPED_TRACE(testing::Message() << x << ", " << y);
-		const Rgb a = meanOf(red, x, y, 3), b = meanOf(blue, x, y, 3);
-		EXPECT_GT(a.g, 40);
-		EXPECT_LT(std::abs(a.r - a.g), 20);
-		EXPECT_LT(std::abs(a.r - b.r) + std::abs(a.g - b.g) + std::abs(a.b - b.b), 30);
+		for(const Rgb& corner : {meanOf(red, x, y, 3), meanOf(blue, x, y, 3)})
+		{
+			EXPECT_GT(corner.g, 40);
+			EXPECT_LT(std::abs(corner.r - corner.g), 20);
+			EXPECT_LT(std::abs(corner.b - corner.g), 20);
+		}
 	}
 }
 

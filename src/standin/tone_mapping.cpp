@@ -54,7 +54,7 @@ void whiteBalanceGains(double x, double y, double gains[3])
 void exposeAll(const Image& linear, const ToneMapSettings& s, Image& out)
 {
 	out.resize(linear.getWidth(), linear.getHeight());
-	const double mean = meanLuminance(linear);
+	const double key = keyLuminance(linear);
 	double gains[3] = {1, 1, 1};
 	double scale = 1;
 	switch(s.kind)
@@ -63,10 +63,10 @@ void exposeAll(const Image& linear, const ToneMapSettings& s, Image& out)
 		scale = s.linear_scale;
 		break;
 	case ToneMapSettings::Reinhard:
-		scale = mean > 0 ? s.pre_scale * middle_grey / mean : 1;
+		scale = key > 0 ? s.pre_scale * middle_grey / key : 1;
 		break;
 	case ToneMapSettings::Camera:
-		scale = (mean > 0 ? middle_grey / mean : 1) * std::pow(2.0, s.ev_adjust);
+		scale = (key > 0 ? middle_grey / key : 1) * std::pow(2.0, s.ev_adjust);
 		whiteBalanceGains(s.white_x, s.white_y, gains);
 		break;
 	}
@@ -190,13 +190,16 @@ void resolveBuffer(const MasterBuffer& buffer, const LayerWeight* weights, uint3
 	sum.downsampleImage(ss, 4 * ss, box, out, tasks);
 }
 
-double meanLuminance(const Image& image)
+double keyLuminance(const Image& image)
 {
+	// The small offset keeps black pixels from sending the logarithm to
+	// minus infinity.
+	const double offset = 1e-4;
 	double total = 0;
 	const float* p = image.getData();
 	for(size_t i = 0; i < image.numPixels(); ++i, p += 3)
-		total += 0.2126 * p[0] + 0.7152 * p[1] + 0.0722 * p[2];
-	return image.numPixels() ? total / image.numPixels() : 0;
+		total += std::log(offset + std::fmax(0.0, 0.2126 * p[0] + 0.7152 * p[1] + 0.0722 * p[2]));
+	return image.numPixels() ? std::exp(total / image.numPixels()) : 0;
 }
 
 void toneMapToFloat(const Image& linear, const ToneMapSettings& settings, Image& out)

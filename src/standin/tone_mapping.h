@@ -65,8 +65,11 @@ std::vector<LayerWeight> layerWeights(const SceneNode* settings, size_t layer_co
 void resolveBuffer(const MasterBuffer& buffer, const LayerWeight* weights, uint32_t super_sample_factor, Image& out,
 	std::mutex* rows_lock = nullptr);
 
-// The picture's mean luminance, over all pixels.
-double meanLuminance(const Image& image);
+// The picture's key: the geometric mean of its pixels' luminance, which
+// Reinhard's and the camera's exposure bring to middle grey. A few pixels
+// of a bright highlight move it little, where they would dominate the
+// arithmetic mean and darken the whole picture.
+double keyLuminance(const Image& image);
 
 // Writes the tone mapped picture into a bitmap of its size, 3 or 4 bytes
 // per pixel (a fourth byte is 255).

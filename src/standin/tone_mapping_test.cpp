@@ -69,6 +69,16 @@ TEST(ToneMapping, EachKindGivesTheBytesWorkedOutByHand)
 		const uint8_t* p = out.getPixel(2, 1);
 		EXPECT_EQ(std::vector<int>(p, p + 4), (std::vector<int>{c.expected, c.expected, c.expected, 255}));
 	}
+
+	// One highlight of 1e6 among five pixels of 0.5: the key is
+	// exp((5 ln(0.5001) + ln(1e6)) / 6) = 5.6132, so 0.5 becomes 0.016034 and
+	// 0.15279 on the display, 39.0; the highlight clips.
+	Image highlight = uniformImage(0.5f, 0.5f, 0.5f);
+	std::fill(highlight.getPixel(0, 0), highlight.getPixel(0, 0) + 3, 1e6f);
+	Bitmap out(1, 1, 3);
+	toneMap(highlight, ToneMapSettings::fromNodes(camera.getPointer(), nullptr, 2.2), out);
+	EXPECT_EQ(out.getPixel(2, 1)[0], 39);
+	EXPECT_EQ(out.getPixel(0, 0)[0], 255);
 }
 
 TEST(ToneMapping, CameraWhiteBalanceMakesTheWhitePointNeutral)
